@@ -1,0 +1,1 @@
+// An empty translation unit, so that a module without sources yet still forms a library.
