@@ -25,6 +25,10 @@ std::string PlatformErrorDescription(int32_t number) {
       return "Invalid use of Null";
     case kErrControlArrayElementMissing:
       return "Control array element '%d' doesn't exist";
+    case kErrObjectAlreadyLoaded:
+      return "Object already loaded";
+    case kErrNotSupported:
+      return "Object doesn't support this property or method";
     case kErrDuplicateKey:
       return "This key is already associated with an element of this collection";
     default:

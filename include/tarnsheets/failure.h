@@ -19,6 +19,8 @@ inline constexpr int32_t kErrDivisionByZero = 11;
 inline constexpr int32_t kErrTypeMismatch = 13;
 inline constexpr int32_t kErrInvalidUseOfNull = 94;
 inline constexpr int32_t kErrControlArrayElementMissing = 340;
+inline constexpr int32_t kErrObjectAlreadyLoaded = 360;
+inline constexpr int32_t kErrNotSupported = 438;  // a control kind without the property or method
 inline constexpr int32_t kErrDuplicateKey = 457;
 
 // The base of object-defined error numbers. The library's own error is kObjectErrorBase + 500.
