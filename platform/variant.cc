@@ -11,7 +11,7 @@ namespace tarnsheets {
 namespace {
 
 // Days since 1970-01-01 of a proleptic Gregorian date.
-int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
+constexpr int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
   y -= m <= 2;
   const int64_t era = (y >= 0 ? y : y - 399) / 400;
   const unsigned yoe = static_cast<unsigned>(y - era * 400);
@@ -33,7 +33,7 @@ void CivilFromDays(int64_t z, int* y, int* m, int* d) {
   *y = static_cast<int>(yy + (*m <= 2));
 }
 
-const int64_t kSerialEpoch = DaysFromCivil(1899, 12, 30);
+constexpr int64_t kSerialEpoch = DaysFromCivil(1899, 12, 30);
 
 std::string TwoDigits(int v) {
   char buf[8];
