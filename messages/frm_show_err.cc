@@ -1,5 +1,7 @@
 #include "messages/frm_show_err.h"
 
+#include <cstdlib>
+
 #include "tarnsheets/messages.h"
 
 namespace tarnsheets {
@@ -19,7 +21,32 @@ Font DialogFont() {
   return font;
 }
 
+Picture MakeErrorIcon() {
+  constexpr int kSize = 32;
+  constexpr Color kRed = Rgb(0xE0, 0x20, 0x20);
+  constexpr Color kWhite = Rgb(0xFF, 0xFF, 0xFF);
+  constexpr Color kClear = Rgb(0xC0, 0xC0, 0xC0);  // the button face the icon stands on
+  Picture icon{"ErrorIcon", kSize, kSize, std::vector<Color>(kSize * kSize, kClear)};
+  for (int y = 0; y < kSize; ++y) {
+    for (int x = 0; x < kSize; ++x) {
+      // Pixel centres measured from the icon's centre, in half pixels.
+      const int dx = 2 * x + 1 - kSize, dy = 2 * y + 1 - kSize;
+      if (dx * dx + dy * dy > 30 * 30) continue;
+      // The cross: the two diagonals, three pixels wide, inside a margin of the disc.
+      const bool on_cross = (std::abs(dx - dy) <= 3 || std::abs(dx + dy) <= 3) &&
+                            std::abs(dx) <= 16 && std::abs(dy) <= 16;
+      icon.pixels[static_cast<size_t>(y * kSize + x)] = on_cross ? kWhite : kRed;
+    }
+  }
+  return icon;
+}
+
 }  // namespace
+
+const Picture& FrmShowErr::ErrorIcon() {
+  static const Picture icon = MakeErrorIcon();
+  return icon;
+}
 
 std::shared_ptr<FrmShowErr> FrmShowErr::Instance(Toolkit& toolkit) {
   std::shared_ptr<FrmShowErr>& instance = SharedInstance();
@@ -36,6 +63,10 @@ std::shared_ptr<FrmShowErr> FrmShowErr::Existing() { return SharedInstance(); }
 FrmShowErr::FrmShowErr(Toolkit& toolkit) : toolkit_(toolkit) {
   form_ = toolkit_.CreateForm("FrmShowErr");
   form_->SetClientSize(kClientWidth, kClientHeight);
+  // Fixed size, no minimise or maximise button, centred on the screen, with its error icon.
+  form_->SetBorderStyle(kFixedDialog);
+  form_->SetStartUpPosition(kCenterScreen);
+  form_->SetIcon(ErrorIcon());
 
   txt_title_ = toolkit_.CreateTextBox(*form_, "Txt_Title", -1, /*multi_line=*/false);
   txt_title_->Move(150, 75, 6315, 315);

@@ -15,6 +15,11 @@ class FrmShowErr {
   // The designed geometry, in twips.
   static constexpr Twips kClientWidth = 6675;
   static constexpr Twips kClientHeight = 2940;
+  static constexpr int16_t kFixedDialog = 3;
+  static constexpr int16_t kCenterScreen = 2;
+
+  // The form's icon: a white cross on a red disc, 32 by 32 pixels.
+  static const Picture& ErrorIcon();
 
   // The shared instance, created (and loaded) on first use. It lives until the form is unloaded;
   // a caller that needs it across a modal loop holds the returned pointer.

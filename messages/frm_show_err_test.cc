@@ -157,6 +157,27 @@ TEST_F(ShowErrorDialogTest, FormHasTheDesignedGeometryFontsColoursAndTabOrder) {
   EXPECT_TRUE(checked);
 }
 
+TEST_F(ShowErrorDialogTest, FormIsAFixedDialogCentredOnTheScreenWithTheErrorIcon) {
+  bool checked = false;
+  while_open_ = [&](FrmShowErr& dialog) {
+    checked = true;
+    EXPECT_EQ(dialog.form().BorderStyle(), 3);  // fixed dialog: no minimise, no maximise
+    EXPECT_EQ(dialog.form().StartUpPosition(), 2);
+    const Picture& icon = dialog.form().Icon();
+    ASSERT_EQ(icon.width, 32);
+    ASSERT_EQ(icon.height, 32);
+    const Color white = Rgb(0xFF, 0xFF, 0xFF);
+    // The centre lies on the cross, a point between its arms on the red disc, the corner outside.
+    EXPECT_EQ(icon.PixelAt(15, 15), white);
+    EXPECT_EQ(icon.PixelAt(16, 4), Rgb(0xE0, 0x20, 0x20));
+    EXPECT_NE(icon.PixelAt(0, 0), Rgb(0xE0, 0x20, 0x20));
+    EXPECT_NE(icon.PixelAt(0, 0), white);
+  };
+  int32_t number = 5;
+  ShowError(toolkit_, "Save", number, "Invalid procedure call or argument");
+  EXPECT_TRUE(checked);
+}
+
 TEST_F(ShowErrorDialogTest, CaptionsComeFromMessage600InEnglish) {
   int32_t number = 5;
   ShowError(toolkit_, "Save", number, "x");

@@ -442,6 +442,18 @@ class Form : public Container {
   virtual void Hide() = 0;
   virtual bool IsShown() const = 0;
   virtual void PopupMenu(Menu& menu) = 0;
+
+  // The window frame: 0 none, 1 fixed single, 2 sizable (the default), 3 fixed dialog, which has
+  // no minimise and no maximise button.
+  virtual int16_t BorderStyle() const = 0;
+  virtual void SetBorderStyle(int16_t v) = 0;
+  // Where the form first shows: 0 where it was put (the default), 1 centred on its owner, 2
+  // centred on the screen.
+  virtual int16_t StartUpPosition() const = 0;
+  virtual void SetStartUpPosition(int16_t v) = 0;
+  // The picture in the title bar; an empty picture leaves the toolkit's own.
+  virtual const Picture& Icon() const = 0;
+  virtual void SetIcon(const Picture& v) = 0;
 };
 
 // The toolkit: screen, focus, clipboard, dialogs and the factory of every kind of control.

@@ -426,7 +426,16 @@ class HForm : public HContainer<Form> {
   void Hide() override;
   bool IsShown() const override { return shown_; }
   void PopupMenu(Menu& menu) override { toolkit_->RunPopupMenu(menu); }
+  int16_t BorderStyle() const override { return border_style_; }
+  void SetBorderStyle(int16_t v) override { border_style_ = v; }
+  int16_t StartUpPosition() const override { return start_up_position_; }
+  void SetStartUpPosition(int16_t v) override { start_up_position_ = v; }
+  const Picture& Icon() const override { return icon_; }
+  void SetIcon(const Picture& v) override { icon_ = v; }
 
+  int16_t border_style_ = 2;
+  int16_t start_up_position_ = 0;
+  Picture icon_;
   bool loaded_ = false;
   bool shown_ = false;
   bool unloaded_ = false;
