@@ -5,7 +5,7 @@ build=${1:-build}
 if [ -x "$build/apps/tarnsheets-demo" ]; then
   exec "$build/apps/tarnsheets-demo"
 elif [ -x "$build/apps/tarnsheets-headless-demo" ]; then
-  exec "$build/apps/tarnsheets-headless-demo" "$(dirname "$0")/../examples/opportunity.json"
+  exec "$build/apps/tarnsheets-headless-demo" "$(dirname "$0")/../examples/user_info.json"
 else
   echo "demo: no demo program was built in $build" >&2
   exit 1

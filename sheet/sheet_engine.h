@@ -1,0 +1,251 @@
+// SheetEngine: the engine behind every entity sheet. It builds the controls of a designed form,
+// keeps the sheet's fields, and runs the sheet's procedures under their own names: the property
+// surface, the lifecycle, the binding of titles to columns, the display of the current record and
+// the layout.
+//
+// Internal to the library; hosts use tarnsheets::Sheet. Tests reach the controls and procedures
+// directly through Sheet::EngineForTest().
+#ifndef TARNSHEETS_SHEET_SHEET_ENGINE_H_
+#define TARNSHEETS_SHEET_SHEET_ENGINE_H_
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "editors/sf_check.h"
+#include "editors/sf_text.h"
+#include "family/form_table.h"
+#include "platform/control_array.h"
+#include "tarnsheets/data_source.h"
+#include "tarnsheets/property_bag.h"
+#include "tarnsheets/sheet.h"
+#include "tarnsheets/titles.h"
+#include "tarnsheets/toolkit.h"
+#include "tarnsheets/user_commands.h"
+
+namespace tarnsheets {
+
+class SheetEngine : private DataSourceEvents {
+ public:
+  // Gives the picture of a drop-button glyph. The sheet family hands its glyph table in; without
+  // one the drop buttons show their (empty) captions.
+  using GlyphPictures = std::function<Picture(Glyph)>;
+
+  // Builds the controls of `form` in a new user control of class `form.class_name` inside
+  // `parent`, at the designed size, then runs UserControl_Initialize. The caller follows with
+  // UserControl_InitProperties or UserControl_ReadProperties.
+  SheetEngine(Toolkit& toolkit, Container& parent, const FormTable& form, const std::string& name,
+              GlyphPictures glyph_pictures = nullptr);
+  ~SheetEngine() override;
+  SheetEngine(const SheetEngine&) = delete;
+  SheetEngine& operator=(const SheetEngine&) = delete;
+
+  Toolkit& toolkit() const { return toolkit_; }
+  const FormTable& form() const { return form_; }
+  UserControl& Host() const { return *host_; }
+
+  void AddObserver(SheetEvents* observer);
+  void RemoveObserver(SheetEvents* observer);
+
+  // --- Lifecycle.
+  void UserControl_Initialize();
+  void UserControl_InitProperties();
+  void UserControl_ReadProperties(const PropertyBag& bag);
+  void UserControl_WriteProperties(PropertyBag& bag) const;
+
+  // --- The public interface.
+  int32_t UserCommandsWidth() const;
+  void SetUserCommandsWidth(int32_t width);
+  ClsSheetsUserCommands& SheetUserCommands();
+  ClsSheetsTitles& SheetTitles();
+  int32_t hwnd() const { return hwnd_; }
+  int32_t Style() const { return Style_; }
+  void SetStyle(int32_t style);
+  bool EditModify() const { return EditModify_; }
+  void SetEditModify(bool v);
+  bool EditAddNew() const { return EditAddNew_; }
+  void SetEditAddNew(bool v);
+  bool EditCopy() const { return EditCopy_; }
+  void SetEditCopy(bool v);
+  bool EditDelete() const { return EditDelete_; }
+  void SetEditDelete(bool v);
+  std::string FontName() const;
+  void SetFontName(const std::string& name);
+  float FontSize() const;
+  void SetFontSize(float size);
+  Font CaptionFont() const;
+  void SetCaptionFont(const Font& font);
+  std::string Caption() const;
+  void SetCaption(const std::string& caption);
+  DataSource* SheetRecordset() const { return SheetRecordset_; }
+  void SetSheetRecordset(DataSource* data_source);
+  Color Color_Caption() const { return Color_Caption_; }
+  void SetColor_Active(Color color);
+  Color Color_Active() const { return Color_Active_; }
+  void SetColor_Caption(Color color);
+  Color Color_Title_Text() const { return Color_Title_Text_; }
+  void SetColor_Title_Text(Color color);
+  Color Color_Background() const { return Color_Background_; }
+  void SetColor_Background(Color color);
+  void InitDisplay();
+  bool SysSetDefaultTitles();
+
+  // --- Private procedures, reachable for the library's tests.
+  void Apply_Colors(const std::string& property_name);
+  void Display_field();
+  void Action(int32_t& Mode);
+  void Display_Value();
+  void Display_Txt_Field(const std::string& FieldName, int32_t Index);
+  void Display_Chk_Value(const std::string& FieldName, int32_t Index);
+  std::string Display_Txt_Value(const std::string& FieldName, int32_t Flag);
+  // Whether the field may be changed now (the editable rule).
+  bool FieldEditable(DataSourceField& field);
+  void Layout_Capture(int32_t& DesignWidth, int32_t& DesignHeight,
+                      std::vector<std::string>& DesignLayout);
+  // The short form places the caption strip only; the full form also the record buttons.
+  void Layout_Caption(bool full_form = true);
+  void Layout_Scale(int32_t DesignWidth, int32_t DesignHeight,
+                    const std::vector<std::string>& DesignLayout);
+  void UserControl_Resize();
+  void UserCommand_Place();
+
+  // Handlers of the data-source signals.
+  void DataSource_SysDataSourceInit();
+  void DataSource_SysDataSourceRefresh();
+  void DataSource_SysDeleteRecordAfter();
+  void DataSource_SysMoveRecordAfter();
+  void DataSource_SysCancelQueryAfter();
+  void DataSource_SysNewQueryAfter();
+  void DataSource_SysRefineQueryAfter();
+  void DataSource_SysNewRecordAfter();
+  void DataSource_SysCopyRecordAfter();
+  void DataSource_SysUndoRecordAfter();
+  void DataSource_SysUpdateRecordAfter();
+  void DataSource_ValueQueryChange();
+  void DataSource_ValueChange(int32_t field_number);
+  void DataSource_SymbolChange(int32_t field_number);
+  // The edit status engine's handler: sets what the record commands offer. Not built yet; the
+  // display calls it where the record commands are to be set again, and it counts its runs.
+  void DataSource_EditStatusChange();
+  int32_t EditStatusChangeRunsForTest() const { return edit_status_change_runs_; }
+
+  // --- Controls, for the library's tests.
+  const ControlArray<Label>& Lbl_Title() const { return Lbl_Title_; }
+  const ControlArray<SFText>& Txt_Value() const { return Txt_Value_; }
+  const ControlArray<SFCheck>& Chk_Value() const { return Chk_Value_; }
+  const ControlArray<CommandButton>& Cmd_Value() const { return Cmd_Value_; }
+  const ControlArray<CommandButton>& UserCommand() const { return UserCommand_; }
+  CommandButton& Cmd_NewRecord() const { return *Cmd_NewRecord_; }
+  CommandButton& Cmd_DeleteRecord() const { return *Cmd_DeleteRecord_; }
+  CommandButton& Cmd_CopyRecord() const { return *Cmd_CopyRecord_; }
+  CommandButton& Cmd_Undo() const { return *Cmd_Undo_; }
+  Label& Lbl_Caption() const { return *Lbl_Caption_; }
+  Label& Lbl_CaptionSpace() const { return *Lbl_CaptionSpace_; }
+  Shape& Shp_Caption() const { return *Shp_Caption_; }
+  PictureBox& Pic_TableStart() const { return *Pic_TableStart_; }
+  PictureBox& Pic_TableUp() const { return *Pic_TableUp_; }
+  PictureBox& Pic_TableDown() const { return *Pic_TableDown_; }
+  Menu& mnu_Menu() const { return *mnu_Menu_; }
+  Menu& mnu_NewRecord() const { return *mnu_NewRecord_; }
+  Menu& mnu_DeleteRecord() const { return *mnu_DeleteRecord_; }
+  Menu& mnu_CopyRecord() const { return *mnu_CopyRecord_; }
+  Menu& mnu_Undo() const { return *mnu_Undo_; }
+
+  // --- Fields, for the library's tests.
+  int32_t DesignWidth() const { return DesignWidth_; }
+  int32_t DesignHeight() const { return DesignHeight_; }
+  const std::vector<std::string>& DesignLayout() const { return DesignLayout_; }
+  DataSource* DataSourceForTest() const { return DataSource_; }
+  bool HasFocus() const { return HasFocus_; }
+  // The focus handlers set HasFocus; until they exist tests set it here.
+  void SetHasFocusForTest(bool v) { HasFocus_ = v; }
+  int32_t TextEditState() const { return TextEditState_; }
+
+  void RaiseSheetStatusChange();
+
+ private:
+  // Building from the form table.
+  void BuildControls(const GlyphPictures& glyph_pictures);
+  void BuildRow(const FieldRow& row, const GlyphPictures& glyph_pictures);
+
+  // Shows the record buttons for Style 0 and 1; any other value leaves the form as it is.
+  void ApplyStyleVisibility();
+  // Disables mnu_Undo and Cmd_Undo when the host permits nothing at all.
+  void UndoRule();
+  // Sets a font property on every control but Lbl_Caption, passing over the controls without a
+  // font.
+  void SetFontOnAllControls(const std::function<void(Font&)>& change);
+  void Notify(const std::string& key) { host_->NotifyPropertyChanged(key); }
+  void Report(const char* title, const Failure& failure);
+
+  // The editors of each column, and the signal tests.
+  bool ColumnShown(int32_t field_number);
+  int32_t EditStatusNow() const;
+
+  // DataSourceEvents.
+  void SysDataSourceInit() override { DataSource_SysDataSourceInit(); }
+  void SysDataSourceRefresh() override { DataSource_SysDataSourceRefresh(); }
+  void EditStatusChange() override { DataSource_EditStatusChange(); }
+  void SysMoveRecordAfter() override { DataSource_SysMoveRecordAfter(); }
+  void SysNewQueryAfter() override { DataSource_SysNewQueryAfter(); }
+  void SysRefineQueryAfter() override { DataSource_SysRefineQueryAfter(); }
+  void SysCancelQueryAfter() override { DataSource_SysCancelQueryAfter(); }
+  void SysNewRecordAfter() override { DataSource_SysNewRecordAfter(); }
+  void SysCopyRecordAfter() override { DataSource_SysCopyRecordAfter(); }
+  void SysDeleteRecordAfter() override { DataSource_SysDeleteRecordAfter(); }
+  void SysUndoRecordAfter() override { DataSource_SysUndoRecordAfter(); }
+  void SysUpdateRecordAfter() override { DataSource_SysUpdateRecordAfter(); }
+  void ValueChange(const Variant& unused, int32_t field_number) override;
+  void SymbolChange(const Variant& unused, int32_t field_number) override;
+  void ValueQueryChange(const std::string& text) override;
+
+  Toolkit& toolkit_;
+  const FormTable& form_;
+  std::shared_ptr<UserControl> host_;
+
+  // Controls of the form; built once, arrays only grow.
+  ControlArray<Label> Lbl_Title_;
+  ControlArray<SFText> Txt_Value_;
+  ControlArray<SFCheck> Chk_Value_;
+  ControlArray<CommandButton> Cmd_Value_;
+  ControlArray<CommandButton> UserCommand_;
+  std::shared_ptr<CommandButton> Cmd_NewRecord_, Cmd_DeleteRecord_, Cmd_CopyRecord_, Cmd_Undo_;
+  std::shared_ptr<Label> Lbl_Caption_, Lbl_CaptionSpace_;
+  std::shared_ptr<Shape> Shp_Caption_;
+  std::shared_ptr<PictureBox> Pic_TableStart_, Pic_TableUp_, Pic_TableDown_;
+  std::shared_ptr<Menu> mnu_Menu_, mnu_NewRecord_, mnu_DeleteRecord_, mnu_CopyRecord_, mnu_Undo_;
+
+  // The sheet's fields; changed by the setters, the lifecycle and the handlers.
+  Color Color_Title_Text_ = 0;
+  Color Color_Caption_ = 0;
+  Color Color_Background_ = 0;
+  Color Color_Active_ = 0;
+  DataSource* SheetRecordset_ = nullptr;
+  // The event-connected reference: set only by SetSheetRecordset.
+  DataSource* DataSource_ = nullptr;
+  std::unique_ptr<ClsSheetsUserCommands> SheetUserCommands_;
+  std::unique_ptr<ClsSheetsTitles> SheetTitles_;
+  std::vector<std::string> DesignLayout_;  // entry k of the designed list at position k - 1
+  int32_t DesignWidth_ = 0;
+  int32_t DesignHeight_ = 0;
+  bool HasFocus_ = false;
+  bool EditModify_ = false;
+  bool EditAddNew_ = false;
+  bool EditCopy_ = false;
+  bool EditDelete_ = false;
+  int32_t Style_ = 0;
+  int32_t hwnd_ = 0;  // nothing assigns it
+  int32_t TextEditState_ = 0;
+  int32_t CurrentTextIndex_ = 0;
+  int32_t CurrentCheckIndex_ = 0;
+  std::string CurrentFieldName_;
+
+  std::vector<SheetEvents*> observers_;
+  int32_t edit_status_change_runs_ = 0;
+};
+
+}  // namespace tarnsheets
+
+#endif  // TARNSHEETS_SHEET_SHEET_ENGINE_H_
