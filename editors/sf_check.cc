@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "editors/check_glyphs.h"
+#include "editors/editor_element.h"
 
 namespace tarnsheets {
 
@@ -74,12 +75,7 @@ std::shared_ptr<SFCheck> SFCheck::Create(Toolkit& toolkit, Container& parent,
 
 std::shared_ptr<SFCheck> SFCheck::LoadElement(Toolkit& toolkit, const SFCheck& element0,
                                               int32_t index) {
-  std::shared_ptr<UserControl> host = LoadControlAs<UserControl>(toolkit, element0.Host(), index);
-  std::shared_ptr<SFCheck> control = Attach(toolkit, std::move(host));
-  MemoryPropertyBag bag;
-  element0.WriteProperties(bag);
-  control->ReadProperties(bag);
-  return control;
+  return LoadEditorElement(toolkit, element0, index);
 }
 
 SFCheck::~SFCheck() {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "editors/editor_element.h"
 #include "tarnsheets/failure.h"
 #include "tarnsheets/variant.h"
 
@@ -44,12 +45,7 @@ std::shared_ptr<SFText> SFText::Create(Toolkit& toolkit, Container& parent, cons
 
 std::shared_ptr<SFText> SFText::LoadElement(Toolkit& toolkit, const SFText& element0,
                                             int32_t index) {
-  std::shared_ptr<UserControl> host = LoadControlAs<UserControl>(toolkit, element0.Host(), index);
-  std::shared_ptr<SFText> control = Attach(toolkit, std::move(host));
-  MemoryPropertyBag bag;
-  element0.WriteProperties(bag);
-  control->ReadProperties(bag);
-  return control;
+  return LoadEditorElement(toolkit, element0, index);
 }
 
 SFText::~SFText() {
