@@ -64,13 +64,8 @@ std::shared_ptr<SFCheck> SFCheck::Attach(Toolkit& toolkit, std::shared_ptr<UserC
 
 std::shared_ptr<SFCheck> SFCheck::Create(Toolkit& toolkit, Container& parent,
                                          const std::string& name, int32_t index) {
-  std::shared_ptr<UserControl> host = toolkit.CreateUserControl(parent, kClassName, name, index);
-  std::shared_ptr<SFCheck> control = Attach(toolkit, std::move(host));
-  control->InitProperties();
-  UserControl& h = control->Host();
-  h.Move(h.Left(), h.Top(), kSizePixels * toolkit.TwipsPerPixelX(),
-         kSizePixels * toolkit.TwipsPerPixelY());
-  return control;
+  return CreateEditor<SFCheck>(toolkit, parent, name, index, kSizePixels * toolkit.TwipsPerPixelX(),
+                               kSizePixels * toolkit.TwipsPerPixelY());
 }
 
 std::shared_ptr<SFCheck> SFCheck::LoadElement(Toolkit& toolkit, const SFCheck& element0,

@@ -35,12 +35,7 @@ std::shared_ptr<SFText> SFText::Attach(Toolkit& toolkit, std::shared_ptr<UserCon
 
 std::shared_ptr<SFText> SFText::Create(Toolkit& toolkit, Container& parent, const std::string& name,
                                        int32_t index) {
-  std::shared_ptr<UserControl> host = toolkit.CreateUserControl(parent, kClassName, name, index);
-  std::shared_ptr<SFText> control = Attach(toolkit, std::move(host));
-  control->InitProperties();
-  UserControl& h = control->Host();
-  h.Move(h.Left(), h.Top(), kDesignedWidth, kDesignedHeight);
-  return control;
+  return CreateEditor<SFText>(toolkit, parent, name, index, kDesignedWidth, kDesignedHeight);
 }
 
 std::shared_ptr<SFText> SFText::LoadElement(Toolkit& toolkit, const SFText& element0,
