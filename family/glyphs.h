@@ -6,12 +6,10 @@
 #include <cstdint>
 #include <span>
 
+#include "sheet/form_types.h"
 #include "tarnsheets/types.h"
 
 namespace tarnsheets {
-
-// Which picture a drop button (or a form picture, or an image) carries. kNone: no picture.
-enum class Glyph : uint8_t { kNone, kArrow, kDots };
 
 // The ground both glyphs are drawn on.
 inline constexpr Color kButtonGlyphGround = 0x00C0C0C0;

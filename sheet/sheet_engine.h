@@ -16,7 +16,7 @@
 
 #include "editors/sf_check.h"
 #include "editors/sf_text.h"
-#include "family/form_table.h"
+#include "sheet/form_types.h"
 #include "platform/control_array.h"
 #include "tarnsheets/data_source.h"
 #include "tarnsheets/property_bag.h"

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "datasources/memory/memory_data_source.h"
+#include "family/form_table.h"
 #include "messages/frm_show_err.h"
 #include "sheet/sheet_engine.h"
 #include "tarnsheets/messages.h"

@@ -1,7 +1,7 @@
 // The seven ways in which an entity sheet departs from the model sheet `UserInfo`. Every other
 // behaviour is the same engine on all seventeen sheets; these members are the only switches.
-#ifndef TARNSHEETS_FAMILY_OPTION_RECORD_H_
-#define TARNSHEETS_FAMILY_OPTION_RECORD_H_
+#ifndef TARNSHEETS_SHEET_OPTION_RECORD_H_
+#define TARNSHEETS_SHEET_OPTION_RECORD_H_
 
 #include <string_view>
 
@@ -32,4 +32,4 @@ struct OptionRecord {
 
 }  // namespace tarnsheets
 
-#endif  // TARNSHEETS_FAMILY_OPTION_RECORD_H_
+#endif  // TARNSHEETS_SHEET_OPTION_RECORD_H_
