@@ -16,8 +16,8 @@
 
 #include "editors/sf_check.h"
 #include "editors/sf_text.h"
-#include "sheet/form_types.h"
 #include "platform/control_array.h"
+#include "sheet/form_types.h"
 #include "tarnsheets/data_source.h"
 #include "tarnsheets/property_bag.h"
 #include "tarnsheets/sheet.h"
