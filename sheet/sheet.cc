@@ -65,5 +65,44 @@ Color Sheet::Color_Background() const { return engine_->Color_Background(); }
 void Sheet::SetColor_Background(Color color) { engine_->SetColor_Background(color); }
 void Sheet::InitDisplay() { engine_->InitDisplay(); }
 bool Sheet::SysSetDefaultTitles() { return engine_->SysSetDefaultTitles(); }
+bool Sheet::Save() { return engine_->Save(); }
+bool Sheet::SaveField() { return engine_->SaveField(); }
+bool Sheet::TxtEdit(TextEditMode EditMode) { return engine_->TxtEdit(EditMode); }
+ControlStatus Sheet::GetControlStatus(const std::string& StatusString) {
+  return engine_->GetControlStatus(StatusString);
+}
+bool Sheet::ControlCommand(const std::string& CommandString) {
+  return engine_->ControlCommand(CommandString);
+}
+
+namespace {
+
+class ToolkitSheetForm : public SheetForm {
+ public:
+  ToolkitSheetForm(Toolkit& toolkit, std::shared_ptr<Form> form)
+      : toolkit_(toolkit), form_(std::move(form)) {}
+  void Show(int32_t& Mode) override {
+    if (Mode == 1) {
+      toolkit_.ShowModal(*form_);
+    } else {
+      form_->Show();
+    }
+  }
+  void Show(int32_t& Mode, std::shared_ptr<SheetForm>& ParentForm) override {
+    (void)ParentForm;
+    Show(Mode);
+  }
+  Form* ToolkitForm() override { return form_.get(); }
+
+ private:
+  Toolkit& toolkit_;
+  std::shared_ptr<Form> form_;
+};
+
+}  // namespace
+
+std::shared_ptr<SheetForm> MakeSheetForm(Toolkit& toolkit, std::shared_ptr<Form> form) {
+  return std::make_shared<ToolkitSheetForm>(toolkit, std::move(form));
+}
 
 }  // namespace tarnsheets

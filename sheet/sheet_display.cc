@@ -2,6 +2,7 @@
 // data-source signals that repaint the sheet.
 #include <cmath>
 
+#include "sheet/require.h"
 #include "sheet/sheet_engine.h"
 #include "tarnsheets/format.h"
 #include "tarnsheets/keyed_collection.h"
@@ -10,24 +11,6 @@
 namespace tarnsheets {
 
 namespace {
-
-// The platform's failure for a member reached through an object reference that is not set.
-constexpr int32_t kErrObjectNotSet = 91;
-
-Failure ObjectNotSet(const char* what) {
-  return Failure(kErrObjectNotSet,
-                 std::string("Object variable or With block variable not set (") + what + ")");
-}
-
-DataSource& Require(DataSource* data_source) {
-  if (data_source == nullptr) throw ObjectNotSet("SheetRecordset");
-  return *data_source;
-}
-
-ClsSheetsTitle& Require(const ClsSheetsTitles::TitleRef& title) {
-  if (!title) throw ObjectNotSet("SheetTitles item");
-  return *title;
-}
 
 // The display format a column's type asks for, tested in the order date, number, money, whole
 // number; the empty text for a type or kind without one.

@@ -38,6 +38,7 @@ SheetEngine::SheetEngine(Toolkit& toolkit, Container& parent, const FormTable& f
     : toolkit_(toolkit), form_(form) {
   host_ = toolkit_.CreateUserControl(parent, std::string(form_.class_name), name);
   BuildControls(glyph_pictures);
+  WireEvents();
   UserControl_Initialize();
   // From here on every change of size lays the sheet out.
   host_->Events().Resize = [this] { UserControl_Resize(); };
@@ -185,15 +186,6 @@ void SheetEngine::AddObserver(SheetEvents* observer) {
 
 void SheetEngine::RemoveObserver(SheetEvents* observer) {
   observers_.erase(std::remove(observers_.begin(), observers_.end(), observer), observers_.end());
-}
-
-void SheetEngine::RaiseSheetStatusChange() {
-  // A handler may add or remove observers: walk a snapshot and skip the removed ones.
-  const std::vector<SheetEvents*> snapshot = observers_;
-  for (SheetEvents* observer : snapshot) {
-    if (std::find(observers_.begin(), observers_.end(), observer) == observers_.end()) continue;
-    observer->SheetStatusChange();
-  }
 }
 
 void SheetEngine::Report(const char* title, const Failure& failure) {
@@ -541,12 +533,6 @@ void SheetEngine::Apply_Colors(const std::string& property_name) {
     Apply_Colors("Color_Caption");
     Apply_Colors("Color_Background");
   }
-}
-
-void SheetEngine::DataSource_EditStatusChange() {
-  // TODO(status engine): set what the record commands offer from EditStatus, ReadOnly and
-  // SelectRowsStatus. Until then the sheet only counts the places that ask for it.
-  ++edit_status_change_runs_;
 }
 
 }  // namespace tarnsheets

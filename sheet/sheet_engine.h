@@ -8,6 +8,7 @@
 #ifndef TARNSHEETS_SHEET_SHEET_ENGINE_H_
 #define TARNSHEETS_SHEET_SHEET_ENGINE_H_
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -91,6 +92,11 @@ class SheetEngine : private DataSourceEvents {
   void SetColor_Background(Color color);
   void InitDisplay();
   bool SysSetDefaultTitles();
+  bool Save();
+  bool SaveField();
+  bool TxtEdit(TextEditMode EditMode);
+  ControlStatus GetControlStatus(const std::string& StatusString);
+  bool ControlCommand(const std::string& CommandString);
 
   // --- Private procedures, reachable for the library's tests.
   void Apply_Colors(const std::string& property_name);
@@ -126,10 +132,50 @@ class SheetEngine : private DataSourceEvents {
   void DataSource_ValueQueryChange();
   void DataSource_ValueChange(int32_t field_number);
   void DataSource_SymbolChange(int32_t field_number);
-  // The edit status engine's handler: sets what the record commands offer. Not built yet; the
-  // display calls it where the record commands are to be set again, and it counts its runs.
+  // The edit status engine: sets what the record commands and the user commands offer.
   void DataSource_EditStatusChange();
+  void DataSource_ChangeSelectRows();
+  // The Before handlers save first; Cancel stops the data source's step.
+  void DataSource_MoveRecordBefore(bool& Cancel);
+  void DataSource_NewQueryBefore(bool& Cancel);
+  void DataSource_RefineQueryBefore(bool& Cancel);
+  void DataSource_ExecuteQueryBefore(bool& Cancel);
+  void DataSource_CancelQueryBefore(bool& Cancel);
   int32_t EditStatusChangeRunsForTest() const { return edit_status_change_runs_; }
+
+  // Saving: the road of a typed text to the data source. True: failed or stopped.
+  bool Save_FieldValue(int32_t Index);
+
+  // The focus ring and the pointer.
+  void Pic_TableDown_GotFocus();
+  void Pic_TableUp_GotFocus();
+  void UserControl_EnterFocus();
+  void UserControl_ExitFocus();
+  void Lbl_Title_MouseDown(int32_t Index, int16_t Button, int16_t Shift, float X, float Y);
+  void Lbl_Caption_MouseDown(int16_t Button, int16_t Shift, float X, float Y);
+  void UserControl_MouseDown(int16_t Button, int16_t Shift, float X, float Y);
+  void Show_PopupMenu();
+
+  // The value events of the field controls.
+  void Txt_Value_GotFocus(int32_t Index);
+  void Txt_Value_Change(int32_t Index);
+  void Txt_Value_KeyPress(int32_t Index, int16_t& KeyAscii);
+  void Txt_Value_Validate(int32_t Index, bool& Cancel);
+  void Txt_Value_LostFocus(int32_t Index);
+  void Chk_Value_GotFocus(int32_t Index);
+  void Chk_Value_Click(int32_t Index);
+  void Chk_Value_LostFocus(int32_t Index);
+  void Cmd_Value_Click(int32_t Index);
+  void UserCommand_Click(int32_t Index);
+
+  // The record buttons (each of the four runs these with its own menu entry) and the menu.
+  void RecordButton_GotFocus(CommandButton& button);
+  void RecordButton_Click(CommandButton& button, void (SheetEngine::*menu_click)());
+  void RecordButton_LostFocus(CommandButton& button);
+  void mnu_NewRecord_Click();
+  void mnu_DeleteRecord_Click();
+  void mnu_CopyRecord_Click();
+  void mnu_Undo_Click();
 
   // --- Controls, for the library's tests.
   const ControlArray<Label>& Lbl_Title() const { return Lbl_Title_; }
@@ -159,13 +205,35 @@ class SheetEngine : private DataSourceEvents {
   const std::vector<std::string>& DesignLayout() const { return DesignLayout_; }
   DataSource* DataSourceForTest() const { return DataSource_; }
   bool HasFocus() const { return HasFocus_; }
-  // The focus handlers set HasFocus; until they exist tests set it here.
   void SetHasFocusForTest(bool v) { HasFocus_ = v; }
   int32_t TextEditState() const { return TextEditState_; }
+  int32_t CurrentTextIndex() const { return CurrentTextIndex_; }
+  int32_t CurrentCheckIndex() const { return CurrentCheckIndex_; }
+  const std::string& CurrentFieldName() const { return CurrentFieldName_; }
 
   void RaiseSheetStatusChange();
 
  private:
+  // The focus goes back to the field last entered, or round the ring to the first one.
+  void FocusCurrentField();
+  // Connects the handlers above to the controls' events.
+  void WireEvents();
+  void WireUserCommand(CommandButton& button, int32_t index);
+  // The screen rectangle of a control in twips, with the axes crossed as the host expects.
+  SheetRect RectFromWindow(const Control& window) const;
+  // The box of a text editor that takes the focus and carries the edit operations.
+  static TextBox& EditorBox(const SFText& editor);
+  // Txt_Value(index) holds the focus inside the sheet.
+  bool EditorIsActive(int32_t index) const;
+  // The lock rule applied when a text editor takes the focus.
+  void LockAtFocus(SFText& editor);
+  // Sets a menu entry and its button together.
+  static void SetPair(Menu& menu, CommandButton& button, bool enabled);
+  void SetUserCommandsEnabled(bool enabled);
+  // Raising the host events to every observer in turn.
+  template <typename Fn>
+  void RaiseEvent(Fn&& fn);
+
   // Building from the form table.
   void BuildControls(const GlyphPictures& glyph_pictures);
   void BuildRow(const FieldRow& row, const GlyphPictures& glyph_pictures);
@@ -200,6 +268,12 @@ class SheetEngine : private DataSourceEvents {
   void ValueChange(const Variant& unused, int32_t field_number) override;
   void SymbolChange(const Variant& unused, int32_t field_number) override;
   void ValueQueryChange(const std::string& text) override;
+  void ChangeSelectRows() override { DataSource_ChangeSelectRows(); }
+  void MoveRecordBefore(bool& cancel) override { DataSource_MoveRecordBefore(cancel); }
+  void NewQueryBefore(bool& cancel) override { DataSource_NewQueryBefore(cancel); }
+  void RefineQueryBefore(bool& cancel) override { DataSource_RefineQueryBefore(cancel); }
+  void ExecuteQueryBefore(bool& cancel) override { DataSource_ExecuteQueryBefore(cancel); }
+  void CancelQueryBefore(bool& cancel) override { DataSource_CancelQueryBefore(cancel); }
 
   Toolkit& toolkit_;
   const FormTable& form_;
@@ -245,6 +319,16 @@ class SheetEngine : private DataSourceEvents {
   std::vector<SheetEvents*> observers_;
   int32_t edit_status_change_runs_ = 0;
 };
+
+template <typename Fn>
+void SheetEngine::RaiseEvent(Fn&& fn) {
+  // A handler may add or remove observers: walk a snapshot and skip the removed ones.
+  const std::vector<SheetEvents*> snapshot = observers_;
+  for (SheetEvents* observer : snapshot) {
+    if (std::find(observers_.begin(), observers_.end(), observer) == observers_.end()) continue;
+    fn(*observer);
+  }
+}
 
 }  // namespace tarnsheets
 

@@ -175,7 +175,10 @@ void SheetEngine::UserCommand_Place() {
   // 1. Buttons are only ever loaded, never unloaded.
   for (int32_t i = UserCommand_.Count(); i <= n; ++i) {
     UserCommand_.Load(i, [this](const CommandButton& element0, int32_t index) {
-      return LoadControlAs<CommandButton>(toolkit_, element0, index);
+      std::shared_ptr<CommandButton> button =
+          LoadControlAs<CommandButton>(toolkit_, element0, index);
+      WireUserCommand(*button, index);
+      return button;
     });
   }
   // 2. From the right: the last command stands at the far right.

@@ -25,8 +25,8 @@ namespace {
 class PrintingHost : public SheetEvents {
  public:
   void Text(const std::string& FieldName, const std::string& TextValue, SheetRect& Rect,
-            bool& Cancel, int32_t& User, std::shared_ptr<Form>& Frm, int32_t& Mode,
-            std::shared_ptr<Form>& ParentForm) override {
+            bool& Cancel, int32_t& User, std::shared_ptr<SheetForm>& Frm, int32_t& Mode,
+            std::shared_ptr<SheetForm>& ParentForm) override {
     (void)Cancel, (void)User, (void)Frm, (void)Mode, (void)ParentForm;
     std::cout << "event Text FieldName=\"" << FieldName << "\" TextValue=\"" << TextValue
               << "\" Rect=(" << Rect.Left << "," << Rect.Top << "," << Rect.Right << ","

@@ -35,6 +35,22 @@ class Toolkit;
 class UserControl;
 struct FormTable;
 
+// A form that a host hands back through the event Text for the sheet to show after the host took
+// a field over: any object with a Show operation. MakeSheetForm adapts a toolkit form.
+class SheetForm {
+ public:
+  virtual ~SheetForm() = default;
+  // Show without an owner, and with one. Both arguments are the sheet's, by reference.
+  virtual void Show(int32_t& Mode) = 0;
+  virtual void Show(int32_t& Mode, std::shared_ptr<SheetForm>& ParentForm) = 0;
+  // The toolkit form behind the object, when there is one (an owner for a toolkit form).
+  virtual Form* ToolkitForm() { return nullptr; }
+};
+
+// A toolkit form as a SheetForm: Mode 1 shows it modally (returning when it is closed), any other
+// Mode shows it without a modal loop. The owner is not modelled by the toolkits and is ignored.
+std::shared_ptr<SheetForm> MakeSheetForm(Toolkit& toolkit, std::shared_ptr<Form> form);
+
 // The source interface of an entity sheet. Every method has an empty default, so a host overrides
 // only what it answers. Arguments by reference are the sheet's own: a handler that sets Cancel
 // changes what the sheet does next. Handlers run synchronously and may call back into the sheet.
@@ -44,8 +60,8 @@ class SheetEvents {
 
   // 1. A typed value was accepted for FieldName; Rect is the field's place on the screen.
   virtual void Text(const std::string& FieldName, const std::string& TextValue, SheetRect& Rect,
-                    bool& Cancel, int32_t& User, std::shared_ptr<Form>& Frm, int32_t& Mode,
-                    std::shared_ptr<Form>& ParentForm) {
+                    bool& Cancel, int32_t& User, std::shared_ptr<SheetForm>& Frm, int32_t& Mode,
+                    std::shared_ptr<SheetForm>& ParentForm) {
     (void)FieldName, (void)TextValue, (void)Rect, (void)Cancel, (void)User, (void)Frm, (void)Mode,
         (void)ParentForm;
   }
@@ -61,6 +77,9 @@ class SheetEvents {
   virtual void EnterFocus() {}
   // 6. A host command button of the caption strip was pressed.
   virtual void UserCommand(const std::string& Name) { (void)Name; }
+  // 7. A new record is about to start (raised by the sheets whose option record asks for it);
+  // User set to anything but 0 keeps the data source from starting it.
+  virtual void NewRecord(int32_t& User) { (void)User; }
 };
 
 class Sheet {
@@ -143,6 +162,17 @@ class Sheet {
   void InitDisplay();
   // 21. Completes the titles from the data source's fields; true when an error was reported.
   bool SysSetDefaultTitles();
+  // 22. Stores the active field, then the record (UpdateRecord). True: the save failed or was
+  // stopped; false: it went through or there was nothing to do.
+  bool Save();
+  // 23. Stores the active field only. True as for Save.
+  bool SaveField();
+  // 24. Copy, cut, paste, undo, redo or delete on the text editor last entered. Always false.
+  bool TxtEdit(TextEditMode EditMode);
+  // 25. Whether the named command is on offer (the twenty names, exact with case).
+  ControlStatus GetControlStatus(const std::string& StatusString);
+  // 26. Carries out the named command. True: the command failed.
+  bool ControlCommand(const std::string& CommandString);
 
   // The engine behind the sheet, for the library's own tests.
   SheetEngine& EngineForTest() const { return *engine_; }
