@@ -12,9 +12,7 @@ namespace tarnsheets {
 namespace {
 
 // The text an editor shows for an empty value.
-bool IsBlank(const std::string& text) {
-  return text.find_first_not_of(' ') == std::string::npos;
-}
+bool IsBlank(const std::string& text) { return text.find_first_not_of(' ') == std::string::npos; }
 
 int32_t ToLong(double value) { return static_cast<int32_t>(std::nearbyint(value)); }
 

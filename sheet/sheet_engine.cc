@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <utility>
 
 #include "tarnsheets/messages.h"
@@ -110,6 +111,7 @@ void SheetEngine::BuildControls(const GlyphPictures& glyph_pictures) {
   UserCommand_.Add(0, user_command0);
 
   for (const FieldRow& row : form_.rows) BuildRow(row, glyph_pictures);
+  NumberUndesignedTabIndices();
 
   const PopupMenuSpec& menu = fixed.mnu_Menu;
   mnu_Menu_ = toolkit_.CreateMenu(host, nullptr, std::string(menu.name));
@@ -121,6 +123,45 @@ void SheetEngine::BuildControls(const GlyphPictures& glyph_pictures) {
     *items[i] = toolkit_.CreateMenu(host, mnu_Menu_.get(), std::string(item.name));
     (*items[i])->SetCaption(std::string(item.caption));
     (*items[i])->SetEnabled(item.enabled);
+  }
+}
+
+// Tab indices are unique within a form, as the focus ring relies on. The table designs them for
+// the sentinels and the editors; every other control takes, in creation order, the lowest number
+// still free, so the record buttons come to stand between the sentinels and the labels and drop
+// buttons behind the editors.
+void SheetEngine::NumberUndesignedTabIndices() {
+  std::set<const Control*> designed;
+  const FixedControls& fixed = form_.fixed;
+  const std::pair<const Control*, const FixedControl*> fixed_controls[] = {
+      {Pic_TableStart_.get(), &fixed.Pic_TableStart},
+      {Pic_TableUp_.get(), &fixed.Pic_TableUp},
+      {Pic_TableDown_.get(), &fixed.Pic_TableDown},
+      {Cmd_NewRecord_.get(), &fixed.Cmd_NewRecord},
+      {Cmd_CopyRecord_.get(), &fixed.Cmd_CopyRecord},
+      {Cmd_DeleteRecord_.get(), &fixed.Cmd_DeleteRecord},
+      {Cmd_Undo_.get(), &fixed.Cmd_Undo},
+      {&UserCommand_(0), &fixed.UserCommand0},
+  };
+  for (const auto& [control, spec] : fixed_controls) {
+    if (spec->tab_index != kNoIndex) designed.insert(control);
+  }
+  for (const std::shared_ptr<SFText>& text : Txt_Value_.Elements()) designed.insert(&text->Host());
+  for (const std::shared_ptr<SFCheck>& check : Chk_Value_.Elements()) {
+    designed.insert(&check->Host());
+  }
+  std::set<int32_t> used;
+  for (const Control* control : designed) used.insert(control->TabIndex());
+  int32_t next = 0;
+  for (const std::shared_ptr<Control>& control : host_->AllControls()) {
+    if (designed.count(control.get()) != 0) continue;
+    const ControlKind kind = control->Kind();
+    if (kind == ControlKind::kMenu || kind == ControlKind::kShape || kind == ControlKind::kImage) {
+      continue;  // no place in the tab order
+    }
+    while (used.count(next) != 0) ++next;
+    control->SetTabIndex(next);
+    used.insert(next);
   }
 }
 

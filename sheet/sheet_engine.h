@@ -237,6 +237,7 @@ class SheetEngine : private DataSourceEvents {
   // Building from the form table.
   void BuildControls(const GlyphPictures& glyph_pictures);
   void BuildRow(const FieldRow& row, const GlyphPictures& glyph_pictures);
+  void NumberUndesignedTabIndices();
 
   // Shows the record buttons for Style 0 and 1; any other value leaves the form as it is.
   void ApplyStyleVisibility();

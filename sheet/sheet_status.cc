@@ -138,10 +138,9 @@ void SheetEngine::LockAtFocus(SFText& editor) {
   }
   const bool permitted = EditModify_ || (EditAddNew_ && status == dsNewRecord) ||
                          (EditCopy_ && status == dsCopyRecord);
-  const bool editable =
-      !data_source.ReadOnly() && permitted &&
-      data_source.Fields(Variant(editor.Host().Tag())).Updatable() &&
-      data_source.RowEditable(data_source.AbsolutePosition());
+  const bool editable = !data_source.ReadOnly() && permitted &&
+                        data_source.Fields(Variant(editor.Host().Tag())).Updatable() &&
+                        data_source.RowEditable(data_source.AbsolutePosition());
   editor.SetLocked(!editable);
 }
 

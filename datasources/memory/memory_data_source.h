@@ -52,7 +52,7 @@ struct MemoryFieldDefinition {
 // The title of the memory source's message boxes.
 inline constexpr const char kMemorySourceTitle[] = "TarnDataSource";
 
-class MemoryDataSource final : public DataSource {
+class MemoryDataSource : public DataSource {
  public:
   // Defines the columns. Fails with kErrInvalidProcedureCall, naming the field, when a name is
   // empty or repeated, a number is outside its table, or a reference names no field. The source
