@@ -82,6 +82,28 @@ void SheetEngine::WireEvents() {
   }
 }
 
+void SheetEngine::UnwireEvents() {
+  ControlEvents& sheet = host_->Events();
+  sheet.EnterFocus = nullptr;
+  sheet.ExitFocus = nullptr;
+  sheet.MouseDown = nullptr;
+  for (const std::shared_ptr<Control>& control : host_->AllControls()) {
+    ControlEvents& e = control->Events();
+    e.GotFocus = nullptr;
+    e.LostFocus = nullptr;
+    e.Validate = nullptr;
+    e.MouseDown = nullptr;
+    if (control->Kind() != ControlKind::kUserControl) e.Click = nullptr;
+  }
+  for (const std::shared_ptr<SFText>& text : Txt_Value_.Elements()) {
+    text->Events().Change = nullptr;
+    text->Events().KeyPress = nullptr;
+  }
+  for (const std::shared_ptr<SFCheck>& check : Chk_Value_.Elements()) {
+    check->Events().Click = nullptr;
+  }
+}
+
 void SheetEngine::WireUserCommand(CommandButton& button, int32_t index) {
   button.Events().Click = [this, index] { UserCommand_Click(index); };
 }

@@ -48,6 +48,10 @@ SheetEngine::SheetEngine(Toolkit& toolkit, Container& parent, const FormTable& f
 SheetEngine::~SheetEngine() {
   host_->Events().Resize = nullptr;
   if (DataSource_ != nullptr) DataSource_->RemoveListener(this);
+  // Unloading moves the focus out of the sheet: nothing of that may reach the host or the data
+  // source any more.
+  observers_.clear();
+  UnwireEvents();
   // The sheet's control leaves its container with the sheet; nothing is saved.
   if (host_->Parent() != nullptr) {
     try {

@@ -218,6 +218,7 @@ class SheetEngine : private DataSourceEvents {
   void FocusCurrentField();
   // Connects the handlers above to the controls' events.
   void WireEvents();
+  void UnwireEvents();
   void WireUserCommand(CommandButton& button, int32_t index);
   // The screen rectangle of a control in twips, with the axes crossed as the host expects.
   SheetRect RectFromWindow(const Control& window) const;

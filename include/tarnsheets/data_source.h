@@ -93,8 +93,7 @@ constexpr const char* NumberKindLayout(int32_t number_kind) {
 
 // The failure of Fields for a key that names no field: an unknown name (names compare exactly,
 // with case), a number outside 1..FieldCount. Keys of another type (Empty, Null, Boolean, date)
-// fail with kErrTypeMismatch.
-inline constexpr int32_t kErrItemNotFound = 3265;
+// fail with kErrTypeMismatch. Both come from failure.h.
 // "Item cannot be found in the collection corresponding to the requested name or ordinal.",
 // followed by the key as a literal: ` (key "F_NAME")` or ` (key 12)`.
 Failure ItemNotFound(const Variant& key);

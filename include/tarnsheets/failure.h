@@ -22,6 +22,9 @@ inline constexpr int32_t kErrControlArrayElementMissing = 340;
 inline constexpr int32_t kErrObjectAlreadyLoaded = 360;
 inline constexpr int32_t kErrNotSupported = 438;  // a control kind without the property or method
 inline constexpr int32_t kErrDuplicateKey = 457;
+// A name or ordinal that a collection of fields or columns does not have: "Item cannot be found in
+// the collection corresponding to the requested name or ordinal."
+inline constexpr int32_t kErrItemNotFound = 3265;
 
 // The base of object-defined error numbers. The library's own error is kObjectErrorBase + 500.
 inline constexpr int32_t kObjectErrorBase = static_cast<int32_t>(0x80040000u);

@@ -23,8 +23,7 @@ inline constexpr int32_t kErrRecordsetArguments = 3001;
 // row passes the filter: "Either BOF or EOF is True, or the current record has been deleted.
 // Requested operation requires a current record."
 inline constexpr int32_t kErrNoCurrentRecord = 3021;
-// A column name or ordinal that the recordset does not have.
-inline constexpr int32_t kErrItemNotFound = 3265;
+// A column name or ordinal that the recordset does not have: kErrItemNotFound of failure.h.
 
 // The platform's descriptions of the three numbers above.
 inline constexpr const char* kRecordsetArgumentsDescription =
