@@ -10,14 +10,15 @@ else
   SANITIZE ?= OFF
 endif
 
-CMAKE_FLAGS := -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARNSHEETS_SANITIZE=$(SANITIZE) $(EXTRA_CMAKE_FLAGS)
+CMAKE_FLAGS := -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARNSHEETS_SANITIZE=$(SANITIZE) -DTARNSHEETS_WITH_QT=ON \
+  $(EXTRA_CMAKE_FLAGS)
 
 .PHONY: all deps configure build test demo format format-check clean
 
 all: build
 
 deps:
-	@bash scripts/install-deps.sh
+	@bash scripts/install-deps.sh qt
 
 configure: deps
 	@cmake -S . -B $(BUILD_DIR) -G "$(GENERATOR)" $(CMAKE_FLAGS) >/dev/null

@@ -109,6 +109,8 @@ TEST_F(CommandSurfaceTest, UndoThenRedoSwapAfterTypingAndLeavingClearsBoth) {
   Start();
   ClickInto("F_USURNAME");
   EXPECT_EQ(sheet_->GetControlStatus("Undo"), csDisabled);
+  Box("F_USURNAME").SetSelStart(0);
+  Box("F_USURNAME").SetSelLength(3);
   toolkit_.TypeText("Lee");
   EXPECT_EQ(sheet_->GetControlStatus("Undo"), csEnabled);
   EXPECT_EQ(sheet_->GetControlStatus("Redo"), csDisabled);
@@ -257,8 +259,7 @@ TEST_F(RecordButtonTest, RefusedValueStopsTheClickThatMovedTheFocusFromTheEditor
   Start();
   sheet_->SetStyle(1);
   spy_->RefuseField("F_USURNAME");
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   // The editor's own Validate saves first, is refused and keeps the focus: no click.
   toolkit_.Click(engine_->Cmd_NewRecord());
   EXPECT_EQ(spy_->EditStatus(), dsBrowse);
@@ -309,8 +310,7 @@ TEST_F(RecordButtonTest, MarkGoesWhenTheFocusLeavesTheButton) {
 TEST_F(RecordButtonTest, ButtonsSaveTheTypedValueBeforeTheirCommand) {
   Start();
   sheet_->SetStyle(1);
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("Kim");
+  TypeOver("F_USURNAME", "Kim");
   toolkit_.Click(engine_->Cmd_CopyRecord());
   EXPECT_EQ(spy_->calls,
             (std::vector<std::string>{"SetFieldValue F_USURNAME=Text:Kim", "CopyRecord"}));
@@ -340,14 +340,12 @@ TEST_F(RecordButtonTest, UndoMenuEntrySavesNothingWhileTheCancelButtonDoes) {
   Start();
   sheet_->SetStyle(1);
   spy_->NewRecord();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("Lee");
+  TypeOver("F_USURNAME", "Lee");
   spy_->calls.clear();
   engine_->mnu_Undo_Click();
   EXPECT_EQ(spy_->calls, std::vector<std::string>{"UndoRecord"});
   spy_->NewRecord();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("Lee");
+  TypeOver("F_USURNAME", "Lee");
   spy_->calls.clear();
   toolkit_.Click(engine_->Cmd_Undo());
   EXPECT_EQ(spy_->calls,

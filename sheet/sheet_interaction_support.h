@@ -162,6 +162,13 @@ class InteractionTest : public UserInfoSheetTest {
   }
   // The user clicks into the editor of `tag`.
   void ClickInto(const std::string& tag) { toolkit_.Click(Box(tag)); }
+  // The user clicks into the editor of `tag`, selects all its text and types `text` over it.
+  void TypeOver(const std::string& tag, const std::string& text) {
+    ClickInto(tag);
+    Box(tag).SetSelStart(0);
+    Box(tag).SetSelLength(static_cast<int32_t>(Box(tag).Text().size()));
+    toolkit_.TypeText(text);
+  }
   // The control that holds the focus, by its name and index ("Txt_Text(0) in F_USURNAME").
   std::string Focused() const {
     Control* focus = toolkit_.GetFocus();

@@ -50,8 +50,7 @@ TEST_F(SaveFieldValueTest, TypedValueTravelsOnLeavingAndTheHostHearsText) {
 TEST_F(SaveFieldValueTest, RectOfTextCrossesTheAxes) {
   toolkit_.SetTwipsPerPixel(10, 20);
   Start();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   const SheetRect pixels = toolkit_.WindowRect(Box("F_USURNAME"));
   toolkit_.PressTab();
   ASSERT_EQ(host_.HostEvents().back().rfind("Text F_USURNAME=", 0), 0u);
@@ -64,8 +63,7 @@ TEST_F(SaveFieldValueTest, RectOfTextCrossesTheAxes) {
 TEST_F(SaveFieldValueTest, RefusedValueRestoresTheEditorAndKeepsTheFocus) {
   Start();
   spy_->RefuseField("F_USURNAME");
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("zz");
+  TypeOver("F_USURNAME", "zz");
   toolkit_.PressTab();
   EXPECT_EQ(Editor("F_USURNAME").Text(), "Doe");
   EXPECT_EQ(Focused(), "SFText F_USURNAME");
@@ -76,8 +74,7 @@ TEST_F(SaveFieldValueTest, RefusedValueRestoresTheEditorAndKeepsTheFocus) {
 TEST_F(SaveFieldValueTest, QueryConditionRefusedShowsTheDataSourcesValueAndFails) {
   Start();
   spy_->NewQuery();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("D*");
+  TypeOver("F_USURNAME", "D*");
   spy_->RefuseField("F_USURNAME");
   spy_->calls.clear();
   EXPECT_TRUE(sheet_->SaveField());
@@ -88,8 +85,7 @@ TEST_F(SaveFieldValueTest, QueryConditionRefusedShowsTheDataSourcesValueAndFails
 TEST_F(SaveFieldValueTest, QueryConditionGoesOverAsTypedWithoutTextEvent) {
   Start();
   spy_->NewQuery();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("D*");
+  TypeOver("F_USURNAME", "D*");
   spy_->calls.clear();
   toolkit_.PressTab();
   EXPECT_EQ(spy_->calls, std::vector<std::string>{"SetFieldValue F_USURNAME=Text:D*"});
@@ -122,8 +118,7 @@ TEST_F(SaveFieldValueTest, EmptySetKeepsTheTypedTextAndSendsNothing) {
 TEST_F(SaveFieldValueTest, CancelFromTheHostRestoresTheEditorButTheValueStaysStored) {
   Start();
   host_.text_cancel = true;
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   EXPECT_TRUE(sheet_->SaveField());
   EXPECT_EQ(spy_->Fields(Variant("F_USURNAME")).Value().AsText(), "x");
   EXPECT_EQ(Editor("F_USURNAME").Text(), "x");
@@ -133,8 +128,7 @@ TEST_F(SaveFieldValueTest, CancelWinsOverUser) {
   Start();
   host_.text_cancel = true;
   host_.text_user = 1;
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   EXPECT_TRUE(sheet_->SaveField());
   // Had User won, the old value would be back in the record.
   EXPECT_EQ(spy_->Fields(Variant("F_USURNAME")).Value().AsText(), "x");
@@ -143,8 +137,7 @@ TEST_F(SaveFieldValueTest, CancelWinsOverUser) {
 TEST_F(SaveFieldValueTest, UserWithoutFormPutsTheOldValueBackAndFocusesTheEditor) {
   Start();
   host_.text_user = 1;
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   ClickInto("F_UPREFIX");
   EXPECT_EQ(Editor("F_USURNAME").Text(), "Doe");
   EXPECT_EQ(spy_->Fields(Variant("F_USURNAME")).Value().AsText(), "Doe");
@@ -159,8 +152,7 @@ TEST_F(SaveFieldValueTest, UserWithFormShowsItWithModeAndParent) {
   host_.text_user = 7;
   host_.text_form = form;
   host_.text_mode = 1;
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   EXPECT_TRUE(sheet_->SaveField());
   EXPECT_EQ(form->shows, std::vector<std::string>{"Show 1"});
   host_.text_parent = std::make_shared<RecordingForm>();
@@ -180,16 +172,14 @@ TEST_F(SaveFieldValueTest, ToolkitFormFromTheHostIsShownModally) {
   toolkit_.SetDialogObserver([&](const DialogRecord& record) {
     if (record.kind == DialogRecord::Kind::kModalForm) modal.push_back(record.name);
   });
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   EXPECT_TRUE(sheet_->SaveField());
   EXPECT_EQ(modal, std::vector<std::string>{"FrmPicker"});
 }
 
 TEST_F(SaveFieldValueTest, FailureInsideIsReportedUnderSaveFieldValueAndCountsAsFailed) {
   Start();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   spy_->FailNextCall("SetFieldValue", 3021, "No current record.");
   EXPECT_TRUE(sheet_->SaveField());
   ASSERT_EQ(reports_.size(), 1u);
@@ -211,8 +201,7 @@ using SaveTest = InteractionTest;
 TEST_F(SaveTest, StoresTheActiveFieldThenTheRecord) {
   Start();
   spy_->NewRecord();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("Lee");
+  TypeOver("F_USURNAME", "Lee");
   spy_->calls.clear();
   EXPECT_FALSE(sheet_->Save());
   EXPECT_EQ(spy_->calls,
@@ -229,8 +218,7 @@ TEST_F(SaveTest, UpdateRecordAnsweringFiveFails) {
 TEST_F(SaveTest, FailingFieldSaveNeverCallsUpdateRecord) {
   Start();
   spy_->RefuseField("F_USURNAME");
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   spy_->calls.clear();
   EXPECT_TRUE(sheet_->Save());
   EXPECT_EQ(spy_->calls, std::vector<std::string>{"SetFieldValue F_USURNAME=Text:x"});
@@ -251,8 +239,7 @@ TEST_F(SaveTest, FailureInsideIsReportedUnderSave) {
 
 TEST_F(SaveTest, MoveStoresOnlyTheActiveFieldAndARefusalStopsTheMove) {
   Start();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   spy_->calls.clear();
   spy_->MoveNext();
   EXPECT_EQ(spy_->calls, std::vector<std::string>{"SetFieldValue F_USURNAME=Text:x"});
@@ -323,8 +310,7 @@ TEST_F(ValueEventsTest, ChangeOfAnInactiveEditorTellsTheHostButLeavesTheEditStat
 
 TEST_F(ValueEventsTest, SuccessfulSaveOnLeavingClearsTheEditStateAndTellsTheHostTwice) {
   Start();
-  ClickInto("F_UPREFIX");
-  toolkit_.TypeText("s");
+  TypeOver("F_UPREFIX", "s");
   host_.events.clear();
   toolkit_.PressTab();
   EXPECT_EQ(engine_->TextEditState(), 0);
@@ -335,8 +321,7 @@ TEST_F(ValueEventsTest, SuccessfulSaveOnLeavingClearsTheEditStateAndTellsTheHost
 TEST_F(ValueEventsTest, EscInQueryModeLeavesQueryModeWhateverWasTyped) {
   Start();
   spy_->NewQuery();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("D*");
+  TypeOver("F_USURNAME", "D*");
   spy_->calls.clear();
   toolkit_.PressKey(kKeyEscape);
   EXPECT_EQ(spy_->EditStatus(), dsBrowse);
@@ -349,8 +334,7 @@ TEST_F(ValueEventsTest, EscInQueryModeLeavesQueryModeWhateverWasTyped) {
 TEST_F(ValueEventsTest, EscInQueryModeIsStoppedWhenTheSaveFails) {
   Start();
   spy_->NewQuery();
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("D*");
+  TypeOver("F_USURNAME", "D*");
   spy_->RefuseField("F_USURNAME");
   toolkit_.PressKey(kKeyEscape);
   EXPECT_EQ(spy_->EditStatus(), dsQuery);
@@ -446,8 +430,7 @@ TEST_F(ValueEventsTest, UserCommandSavesFirstAndRaisesWithItsName) {
   engine_->UserCommand_Place();
   engine_->UserCommand()(1).SetVisible(true);
   engine_->UserCommand()(1).SetEnabled(true);
-  ClickInto("F_USURNAME");
-  toolkit_.TypeText("x");
+  TypeOver("F_USURNAME", "x");
   spy_->RefuseField("F_USURNAME");
   engine_->UserCommand_Click(1);
   EXPECT_EQ(host_.HostEvents(), std::vector<std::string>{"EnterFocus"});

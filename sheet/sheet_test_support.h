@@ -16,6 +16,9 @@
 #include "tarnsheets/messages.h"
 #include "tarnsheets/sheet.h"
 #include "toolkits/headless/headless_toolkit.h"
+#ifdef TARNSHEETS_TEST_ON_QT
+#include "toolkits/qt/qt_toolkit.h"
+#endif
 
 namespace tarnsheets {
 
@@ -107,7 +110,13 @@ class UserInfoSheetTest : public ::testing::Test {
   }
   std::vector<std::string> Notified() const { return toolkit_.NotifiedProperties(sheet_->Host()); }
 
+  // The same tests run on the headless toolkit and, in a build with Qt, on the Qt toolkit with
+  // its dialogs answered at once.
+#ifdef TARNSHEETS_TEST_ON_QT
+  QtToolkit toolkit_{QtToolkit::DialogMode::kAnswered};
+#else
   HeadlessToolkit toolkit_;
+#endif
   std::shared_ptr<Form> host_form_;
   std::unique_ptr<MemoryDataSource> source_;
   std::unique_ptr<Sheet> sheet_;

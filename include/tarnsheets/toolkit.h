@@ -296,6 +296,10 @@ class TextBox : public Control {
   virtual void Clear() = 0;
   virtual void Undo() = 0;
   virtual bool CanUndo() const = 0;
+
+  // The name and description that assistive technology (screen readers) announces for the box.
+  // A toolkit without such a service ignores them.
+  virtual void SetAccessibleText(const std::string& /*name*/, const std::string& /*description*/) {}
 };
 
 class CommandButton : public Control {

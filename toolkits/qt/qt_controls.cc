@@ -1,0 +1,1120 @@
+#include "toolkits/qt/qt_controls.h"
+
+#include <QAbstractScrollArea>
+#include <QCloseEvent>
+#include <QFocusEvent>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QLabel>
+#include <QPaintEvent>
+#include <QPalette>
+#include <QPixmap>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QResizeEvent>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextOption>
+#include <algorithm>
+#include <cmath>
+
+namespace tarnsheets {
+namespace {
+
+// Byte offset of the character `chars` in a UTF-8 text (the end when past it).
+size_t ByteOffset(const std::string& text, int32_t chars) {
+  size_t i = 0;
+  int32_t n = 0;
+  while (i < text.size()) {
+    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
+      if (n == chars) return i;
+      ++n;
+    }
+    ++i;
+  }
+  return text.size();
+}
+
+// Decodes the character at byte `i`; `len` receives its length in bytes.
+uint32_t DecodeAt(const std::string& text, size_t i, size_t* len) {
+  const unsigned char c0 = static_cast<unsigned char>(text[i]);
+  uint32_t cp = c0;
+  size_t n = 1;
+  if (c0 >= 0xF0) {
+    n = 4;
+    cp = c0 & 0x07;
+  } else if (c0 >= 0xE0) {
+    n = 3;
+    cp = c0 & 0x0F;
+  } else if (c0 >= 0xC0) {
+    n = 2;
+    cp = c0 & 0x1F;
+  }
+  for (size_t k = 1; k < n && i + k < text.size(); ++k) {
+    cp = (cp << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
+  }
+  *len = n;
+  return cp;
+}
+
+int32_t ToPixels(Twips v, Twips per_pixel) {
+  return static_cast<int32_t>(std::floor(v / per_pixel + 1e-9));
+}
+
+int32_t RoundPixels(Twips v, Twips per_pixel) {
+  return static_cast<int32_t>(std::lround(v / per_pixel));
+}
+
+Qt::Alignment HorizontalAlignment(int16_t alignment) {
+  switch (alignment) {
+    case 1:
+      return Qt::AlignRight;
+    case 2:
+      return Qt::AlignHCenter;
+    default:
+      return Qt::AlignLeft;
+  }
+}
+
+void SetRoles(QWidget* widget, QPalette::ColorRole back_role, QColor back,
+              QPalette::ColorRole fore_role, QColor fore) {
+  QPalette palette = widget->palette();
+  palette.setColor(back_role, back);
+  palette.setColor(fore_role, fore);
+  widget->setPalette(palette);
+}
+
+}  // namespace
+
+bool QtKindHas(ControlKind kind, QtCapability capability) {
+  using K = ControlKind;
+  switch (capability) {
+    case QtCapability::kGeometry:
+      return kind != K::kMenu;
+    case QtCapability::kTabStop:
+      return kind == K::kTextBox || kind == K::kCommandButton || kind == K::kPictureBox ||
+             kind == K::kUserControl;
+    case QtCapability::kTabIndex:
+      return kind != K::kShape && kind != K::kImage && kind != K::kMenu && kind != K::kForm;
+    case QtCapability::kCaption:
+      return kind == K::kLabel || kind == K::kCommandButton || kind == K::kFrame ||
+             kind == K::kForm || kind == K::kMenu;
+    case QtCapability::kForeColor:
+      return kind != K::kShape && kind != K::kImage && kind != K::kMenu;
+    case QtCapability::kBackColor:
+      return kind != K::kImage && kind != K::kMenu;
+    case QtCapability::kFont:
+      return kind != K::kShape && kind != K::kImage && kind != K::kMenu;
+  }
+  return false;
+}
+
+QFont ToQFont(const Font& font) {
+  QFont f(QString::fromStdString(font.name));
+  f.setPointSizeF(font.size > 0 ? font.size : 8.25);
+  f.setBold(font.bold);
+  f.setItalic(font.italic);
+  f.setUnderline(font.underline);
+  f.setStrikeOut(font.strikethrough);
+  return f;
+}
+
+QColor ToQColor(Color rgb) { return QColor(rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF); }
+
+QImage ToQImage(const Picture& picture) {
+  QImage image(picture.width, picture.height, QImage::Format_RGB32);
+  for (int32_t y = 0; y < picture.height; ++y) {
+    for (int32_t x = 0; x < picture.width; ++x) {
+      image.setPixelColor(x, y, ToQColor(picture.PixelAt(x, y)));
+    }
+  }
+  return image;
+}
+
+// The event bridge.
+
+void QtEventBridge::Watch(QObject* object, QtNode* node) {
+  nodes_[object] = node;
+  object->installEventFilter(this);
+}
+
+void QtEventBridge::Unwatch(QObject* object) {
+  nodes_.erase(object);
+  object->removeEventFilter(this);
+}
+
+QtNode* QtEventBridge::NodeOf(const QObject* object) const {
+  auto it = nodes_.find(object);
+  return it == nodes_.end() ? nullptr : it->second;
+}
+
+void QtEventBridge::Forward(QObject* receiver, QEvent* event) {
+  QObject* saved = forward_target_;
+  forward_target_ = receiver;
+  QCoreApplication::sendEvent(receiver, event);
+  forward_target_ = saved;
+}
+
+bool QtEventBridge::eventFilter(QObject* watched, QEvent* event) {
+  const QEvent::Type type = event->type();
+  const bool key = type == QEvent::KeyPress || type == QEvent::KeyRelease;
+  const bool mouse = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonRelease ||
+                     type == QEvent::MouseButtonDblClick || type == QEvent::MouseMove;
+  if (type == QEvent::FocusOut && qobject_cast<QLineEdit*>(watched) != nullptr &&
+      static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason) {
+    // A box keeps its selection when the focus leaves it; Qt's line edit would drop it.
+    QFocusEvent keep(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QCoreApplication::sendEvent(watched, &keep);
+    return true;
+  }
+  if (!key && !mouse) return false;
+  if (forward_target_ != nullptr) {
+    // A forwarded copy reaches its widget; what the widget ignores stops here.
+    if (watched == forward_target_) return false;
+    event->accept();
+    return true;
+  }
+  QtNode* node = NodeOf(watched);
+  if (node == nullptr) return false;
+  event->accept();
+  return key ? toolkit_->OnKey(*node, watched, event) : toolkit_->OnMouse(*node, watched, event);
+}
+
+// The painted widget.
+
+QtCanvas::QtCanvas(QtNode* node, QWidget* parent) : QWidget(parent), node_(node) {}
+
+void QtCanvas::paintEvent(QPaintEvent* /*event*/) {
+  if (node_ == nullptr) return;
+  QPainter painter(this);
+  node_->Paint(painter);
+}
+
+void QtCanvas::closeEvent(QCloseEvent* event) {
+  // Closing a form's window unloads the form; the toolkit hides the widget itself.
+  event->ignore();
+  if (node_ != nullptr) node_->WidgetClosing();
+}
+
+void QtCanvas::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  if (node_ != nullptr && !node_->applying_geometry_) node_->WidgetResized();
+}
+
+// Nodes.
+
+QtNode::QtNode(QtToolkit* toolkit, ControlKind kind, std::string class_name, std::string name,
+               int32_t index)
+    : toolkit_(toolkit),
+      kind_(kind),
+      class_name_(std::move(class_name)),
+      name_(std::move(name)),
+      index_(index) {
+  tab_stop_ = QtKindHas(kind, QtCapability::kTabStop);
+  if (kind == ControlKind::kTextBox) back_color_ = kSysWindowBackground;
+  if (kind == ControlKind::kShape) back_color_ = Rgb(255, 255, 255);
+  if (toolkit_ != nullptr) toolkit_->Register(this);
+}
+
+QtNode::~QtNode() {
+  for (auto& child : menus_) {
+    if (QtNode* node = QtNodeOf(*child)) node->attached_ = false;
+  }
+  for (auto& child : children_) {
+    if (QtNode* node = QtNodeOf(*child)) {
+      node->parent_ = nullptr;
+      node->owner_ = nullptr;
+      node->attached_ = false;
+    }
+  }
+  if (toolkit_ != nullptr) toolkit_->Forget(this);
+  if (widget_) {
+    if (auto* canvas = dynamic_cast<QtCanvas*>(widget_.data())) canvas->node_ = nullptr;
+    if (toolkit_ != nullptr) toolkit_->Bridge().Unwatch(widget_.data());
+    QObject::disconnect(widget_.data(), nullptr, nullptr, nullptr);
+    widget_->hide();
+    // The widget may be inside its own event handler: delete it from the event loop.
+    widget_->deleteLater();
+  }
+}
+
+void QtNode::SetWidget(QWidget* widget) {
+  widget_ = widget;
+  if (widget == nullptr) return;
+  widget->setFocusPolicy(Qt::NoFocus);
+  widget->setContextMenuPolicy(Qt::NoContextMenu);
+  widget->setAcceptDrops(false);
+  if (toolkit_ != nullptr) toolkit_->Bridge().Watch(widget, this);
+  if (auto* area = qobject_cast<QAbstractScrollArea*>(widget)) {
+    area->viewport()->setContextMenuPolicy(Qt::NoContextMenu);
+    area->viewport()->setAcceptDrops(false);
+    if (toolkit_ != nullptr) toolkit_->Bridge().Watch(area->viewport(), this);
+  }
+}
+
+void QtNode::Detach() {
+  attached_ = false;
+  got_focus_ = false;
+  entered_ = false;
+  for (auto& child : children_) {
+    if (QtNode* node = QtNodeOf(*child)) node->Detach();
+  }
+  if (widget_) {
+    widget_->hide();
+    if (kind_ != ControlKind::kForm && widget_->parentWidget() != nullptr) {
+      // The unloaded control keeps its widget, out of the window.
+      widget_->setParent(nullptr);
+    }
+  }
+}
+
+void QtNode::SizeChanged() {
+  if (kind_ == ControlKind::kUserControl || kind_ == ControlKind::kPictureBox ||
+      kind_ == ControlKind::kForm) {
+    QtRaise(Self(), &ControlEvents::Resize);
+  }
+}
+
+void QtNode::ApplyGeometry() {
+  if (!widget_) return;
+  applying_geometry_ = true;
+  widget_->setGeometry(RoundPixels(left_, Tppx()), RoundPixels(top_, Tppy()),
+                       std::max(0, RoundPixels(width_, Tppx())),
+                       std::max(0, RoundPixels(height_, Tppy())));
+  applying_geometry_ = false;
+}
+
+void QtNode::ApplyVisible() {
+  if (widget_ && attached_) widget_->setVisible(visible_);
+}
+
+QtNode* QtNodeOf(const Control& control) {
+  return dynamic_cast<QtNode*>(const_cast<Control*>(&control));
+}
+
+// Surfaces.
+
+void QtSurface::Line(Twips x1, Twips y1, Twips x2, Twips y2, Color color) {
+  DrawOp op;
+  op.kind = DrawOp::Kind::kLine;
+  op.x1 = x1, op.y1 = y1, op.x2 = x2, op.y2 = y2, op.color = color;
+  ops_.push_back(std::move(op));
+  Changed();
+}
+
+void QtSurface::Box(Twips x1, Twips y1, Twips x2, Twips y2, Color color) {
+  DrawOp op;
+  op.kind = DrawOp::Kind::kBox;
+  op.x1 = x1, op.y1 = y1, op.x2 = x2, op.y2 = y2, op.color = color;
+  ops_.push_back(std::move(op));
+  Changed();
+}
+
+void QtSurface::PaintPicture(const Picture& picture, Twips x, Twips y) {
+  if (picture.width < 0 || picture.height < 0 ||
+      picture.pixels.size() != static_cast<size_t>(picture.width) * picture.height) {
+    throw Failure(kErrInvalidProcedureCall,
+                  "Invalid procedure call or argument: picture \"" + picture.id + "\" has " +
+                      std::to_string(picture.pixels.size()) + " pixels for its size " +
+                      std::to_string(picture.width) + "x" + std::to_string(picture.height));
+  }
+  DrawOp op;
+  op.kind = DrawOp::Kind::kPicture;
+  op.x1 = x, op.y1 = y;
+  op.x2 = x + picture.width * node_->Tppx();
+  op.y2 = y + picture.height * node_->Tppy();
+  op.picture = picture;
+  ops_.push_back(std::move(op));
+  Changed();
+}
+
+void QtSurface::Cls() {
+  ops_.clear();
+  ++cls_count_;
+  Changed();
+}
+
+Twips QtSurface::TextWidth(std::string_view text) const {
+  const QFontMetricsF metrics(ToQFont(font_));
+  const QStringList lines = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))
+                                .replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
+                                .split(QRegularExpression(QStringLiteral("[\r\n]")));
+  double widest = 0;
+  for (const QString& line : lines) widest = std::max(widest, metrics.horizontalAdvance(line));
+  return std::round(widest * node_->Tppx());
+}
+
+Twips QtSurface::TextHeight(std::string_view text) const {
+  const QFontMetricsF metrics(ToQFont(font_));
+  int32_t lines = 1;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+    if (text[i] == '\n' || text[i] == '\r') ++lines;
+  }
+  return std::round(lines * metrics.height() * node_->Tppy());
+}
+
+void QtSurface::Replay(QPainter& painter) const {
+  const Twips tx = node_->Tppx(), ty = node_->Tppy();
+  for (const DrawOp& op : ops_) {
+    const int32_t x1 = ToPixels(op.x1, tx), y1 = ToPixels(op.y1, ty);
+    switch (op.kind) {
+      case DrawOp::Kind::kLine: {
+        // One pixel wide, from the first point towards the second, the second not drawn.
+        painter.setPen(ToQColor(node_->Resolve(op.color)));
+        int32_t x = x1, y = y1;
+        const int32_t x2 = ToPixels(op.x2, tx), y2 = ToPixels(op.y2, ty);
+        const int32_t dx = std::abs(x2 - x), sx = x < x2 ? 1 : -1;
+        const int32_t dy = -std::abs(y2 - y), sy = y < y2 ? 1 : -1;
+        int32_t err = dx + dy;
+        while (!(x == x2 && y == y2)) {
+          painter.drawPoint(x, y);
+          const int32_t e2 = 2 * err;
+          if (e2 >= dy) {
+            err += dy;
+            x += sx;
+          }
+          if (e2 <= dx) {
+            err += dx;
+            y += sy;
+          }
+        }
+        break;
+      }
+      case DrawOp::Kind::kBox: {
+        const int32_t x2 = ToPixels(op.x2, tx), y2 = ToPixels(op.y2, ty);
+        painter.fillRect(QRect(QPoint(std::min(x1, x2), std::min(y1, y2)),
+                               QPoint(std::max(x1, x2), std::max(y1, y2))),
+                         ToQColor(node_->Resolve(op.color)));
+        break;
+      }
+      case DrawOp::Kind::kPicture:
+        painter.drawImage(QPoint(x1, y1), ToQImage(op.picture));
+        break;
+    }
+  }
+}
+
+// Containers.
+
+template <typename I>
+std::vector<std::shared_ptr<Control>> QtContainer<I>::AllControls() const {
+  std::vector<std::shared_ptr<Control>> out;
+  if (this->kind_ == ControlKind::kForm || this->kind_ == ControlKind::kUserControl) {
+    for (const auto& weak : this->collection_) {
+      std::shared_ptr<Control> control = weak.lock();
+      if (control && control->Owner() == this) out.push_back(std::move(control));
+    }
+    return out;
+  }
+  // A picture box or frame: its subtree, each child followed by what it holds.
+  std::vector<std::shared_ptr<Control>> stack(this->children_.rbegin(), this->children_.rend());
+  while (!stack.empty()) {
+    std::shared_ptr<Control> control = stack.back();
+    stack.pop_back();
+    out.push_back(control);
+    QtNode* node = QtNodeOf(*control);
+    if (node != nullptr && node->kind_ != ControlKind::kUserControl) {
+      stack.insert(stack.end(), node->children_.rbegin(), node->children_.rend());
+    }
+  }
+  return out;
+}
+
+template <typename I>
+std::shared_ptr<Control> QtContainer<I>::FindControl(std::string_view name, int32_t index) const {
+  for (const auto& control : AllControls()) {
+    if (control->Name() == name && control->Index() == index) return control;
+  }
+  return nullptr;
+}
+
+template <typename I>
+Control* QtContainer<I>::ActiveControl() const {
+  if (this->toolkit_ == nullptr) return nullptr;
+  Control* focus = this->toolkit_->GetFocus();
+  if (focus == nullptr) {
+    // The window's own focus, even while another window is active.
+    const Control* self = this;
+    while (self != nullptr && self->Kind() != ControlKind::kForm) self = self->Parent();
+    const auto* form = dynamic_cast<const QtForm*>(self);
+    focus = form != nullptr ? form->focused_.get() : nullptr;
+    if (focus == nullptr) return nullptr;
+  }
+  if (focus == this || this->toolkit_->IsChild(*this, *focus)) return focus;
+  return nullptr;
+}
+
+template class QtContainer<PictureBox>;
+template class QtContainer<Frame>;
+template class QtContainer<UserControl>;
+template class QtContainer<Form>;
+
+// Labels.
+
+QtLabel::QtLabel(QtToolkit* toolkit, std::string name, int32_t index)
+    : QtControl(toolkit, ControlKind::kLabel, "", std::move(name), index) {}
+
+void QtLabel::SetAlignment(int16_t v) {
+  alignment_ = v;
+  if (auto* label = qobject_cast<QLabel*>(widget_.data())) {
+    label->setAlignment(HorizontalAlignment(v) | Qt::AlignTop);
+  }
+}
+
+void QtLabel::SetBackStyle(int16_t v) {
+  back_style_ = v;
+  ApplyColors();
+}
+
+void QtLabel::SetWordWrap(bool v) {
+  word_wrap_ = v;
+  if (auto* label = qobject_cast<QLabel*>(widget_.data())) label->setWordWrap(v);
+}
+
+void QtLabel::ApplyColors() {
+  if (!widget_) return;
+  SetRoles(widget_, QPalette::Window, ToQColor(Resolve(back_color_)), QPalette::WindowText,
+           ToQColor(Resolve(fore_color_)));
+  widget_->setAutoFillBackground(back_style_ != 0);
+  widget_->update();
+}
+
+void QtLabel::ApplyCaption() {
+  if (auto* label = qobject_cast<QLabel*>(widget_.data())) {
+    label->setText(QString::fromStdString(caption_));
+  }
+}
+
+// Text boxes.
+
+QtTextBox::QtTextBox(QtToolkit* toolkit, std::string name, int32_t index, bool multi_line)
+    : QtControl(toolkit, ControlKind::kTextBox, "", std::move(name), index),
+      multi_line_(multi_line) {}
+
+QObject* QtTextBox::MouseReceiver() const {
+  if (Plain()) return Plain()->viewport();
+  return widget_.data();
+}
+
+int32_t QtTextBox::QtPos(int32_t model_pos) const {
+  int32_t m = 0, q = 0;
+  size_t i = 0;
+  while (i < text_.size() && m < model_pos) {
+    size_t len = 1;
+    const uint32_t cp = DecodeAt(text_, i, &len);
+    const bool cr_of_break =
+        multi_line_ && cp == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n';
+    if (!cr_of_break) q += cp > 0xFFFF ? 2 : 1;
+    ++m;
+    i += len;
+  }
+  return q;
+}
+
+int32_t QtTextBox::ModelPos(int32_t qt_pos) const {
+  int32_t m = 0, q = 0;
+  size_t i = 0;
+  while (i < text_.size() && q < qt_pos) {
+    size_t len = 1;
+    const uint32_t cp = DecodeAt(text_, i, &len);
+    const bool cr_of_break =
+        multi_line_ && cp == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n';
+    if (!cr_of_break) q += cp > 0xFFFF ? 2 : 1;
+    ++m;
+    i += len;
+  }
+  return m;
+}
+
+QString QtTextBox::ToQt(const std::string& text) const {
+  QString s = QString::fromStdString(text);
+  if (multi_line_) s.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+  return s;
+}
+
+std::string QtTextBox::WidgetText() const {
+  if (Plain()) {
+    QString s = Plain()->toPlainText();
+    s.replace(QStringLiteral("\n"), QStringLiteral("\r\n"));
+    return s.toStdString();
+  }
+  if (Line()) return Line()->text().toStdString();
+  return text_;
+}
+
+void QtTextBox::WidgetSelection(int32_t* start, int32_t* end) const {
+  if (Plain()) {
+    const QTextCursor cursor = Plain()->textCursor();
+    *start = static_cast<int32_t>(cursor.selectionStart());
+    *end = static_cast<int32_t>(cursor.selectionEnd());
+    return;
+  }
+  if (Line()) {
+    if (Line()->hasSelectedText()) {
+      *start = static_cast<int32_t>(Line()->selectionStart());
+      *end = static_cast<int32_t>(Line()->selectionEnd());
+    } else {
+      *start = *end = static_cast<int32_t>(Line()->cursorPosition());
+    }
+    return;
+  }
+  *start = *end = 0;
+}
+
+void QtTextBox::ShowText(int32_t sel_start, int32_t sel_length) {
+  showing_ = true;
+  const int32_t a = QtPos(sel_start), b = QtPos(sel_start + sel_length);
+  if (Plain()) {
+    if (Plain()->toPlainText() != ToQt(text_)) Plain()->setPlainText(ToQt(text_));
+    QTextCursor cursor(Plain()->document());
+    cursor.setPosition(a);
+    cursor.setPosition(b, QTextCursor::KeepAnchor);
+    Plain()->setTextCursor(cursor);
+  } else if (Line()) {
+    if (Line()->text() != ToQt(text_)) Line()->setText(ToQt(text_));
+    if (b > a) {
+      Line()->setSelection(a, b - a);
+    } else {
+      Line()->setCursorPosition(a);
+    }
+  }
+  showing_ = false;
+}
+
+void QtTextBox::SetText(const std::string& v) {
+  if (v == text_) return;
+  text_ = v;
+  can_undo_ = false;
+  typing_run_ = false;
+  ShowText(0, 0);
+  QtRaise(*this, &ControlEvents::Change);
+}
+
+int32_t QtTextBox::SelStart() const {
+  int32_t a = 0, b = 0;
+  WidgetSelection(&a, &b);
+  return ModelPos(a);
+}
+
+int32_t QtTextBox::SelLength() const {
+  int32_t a = 0, b = 0;
+  WidgetSelection(&a, &b);
+  return ModelPos(b) - ModelPos(a);
+}
+
+void QtTextBox::SetSelStart(int32_t v) {
+  if (v < 0) throw PlatformFailure(kErrInvalidProcedureCall);
+  typing_run_ = false;
+  ShowText(std::min(v, TextLength(text_)), 0);
+}
+
+void QtTextBox::SetSelLength(int32_t v) {
+  if (v < 0) throw PlatformFailure(kErrInvalidProcedureCall);
+  typing_run_ = false;
+  const int32_t start = SelStart();
+  ShowText(start, std::min(v, TextLength(text_) - start));
+}
+
+std::string QtTextBox::SelText() const {
+  const int32_t start = SelStart(), length = SelLength();
+  const size_t a = ByteOffset(text_, start), b = ByteOffset(text_, start + length);
+  return text_.substr(a, b - a);
+}
+
+void QtTextBox::SetSelText(const std::string& v) { ReplaceSelection(v); }
+
+void QtTextBox::ReplaceSelection(const std::string& text) {
+  std::string inserted = text;
+  if (!multi_line_) {
+    // A single-line box keeps what comes before the first line break.
+    const size_t br = inserted.find_first_of("\r\n");
+    if (br != std::string::npos) inserted.resize(br);
+  }
+  const int32_t start = SelStart(), length = SelLength();
+  const std::string before = text_;
+  const size_t a = ByteOffset(text_, start), b = ByteOffset(text_, start + length);
+  text_.replace(a, b - a, inserted);
+  ShowText(start + TextLength(inserted), 0);
+  typing_run_ = false;
+  if (text_ == before) return;
+  undo_text_ = before;
+  undo_sel_start_ = start;
+  undo_sel_length_ = length;
+  can_undo_ = true;
+  QtRaise(*this, &ControlEvents::Change);
+}
+
+void QtTextBox::BeforeUserEdit(bool typing) {
+  typing_now_ = typing;
+  pre_sel_start_ = SelStart();
+  pre_sel_length_ = SelLength();
+}
+
+void QtTextBox::WidgetTextChanged() {
+  if (showing_) return;
+  const std::string now = WidgetText();
+  if (now == text_) return;
+  // A run of typed characters undoes as one edit, from the state before its first character.
+  if (!(typing_now_ && typing_run_)) {
+    undo_text_ = text_;
+    undo_sel_start_ = pre_sel_start_;
+    undo_sel_length_ = pre_sel_length_;
+  }
+  typing_run_ = typing_now_;
+  can_undo_ = true;
+  text_ = now;
+  QtRaise(*this, &ControlEvents::Change);
+}
+
+void QtTextBox::SetLocked(bool v) {
+  locked_ = v;
+  if (Line()) Line()->setReadOnly(v);
+  if (Plain()) {
+    Plain()->setReadOnly(v);
+    // A locked box still lets the user select with the keyboard.
+    Plain()->setTextInteractionFlags(v ? (Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard)
+                                       : Qt::TextEditorInteraction);
+  }
+}
+
+void QtTextBox::SetPasswordChar(const std::string& v) {
+  if (TextLength(v) > 1) throw PlatformFailure(kErrInvalidProcedureCall);
+  password_char_ = v;
+  if (!Line()) return;
+  if (v.empty()) {
+    Line()->setEchoMode(QLineEdit::Normal);
+    Line()->setStyleSheet(QString());
+  } else {
+    Line()->setEchoMode(QLineEdit::Password);
+    const QString c = QString::fromStdString(v);
+    Line()->setStyleSheet(QStringLiteral("QLineEdit { lineedit-password-character: %1; }")
+                              .arg(c.isEmpty() ? 42 : static_cast<int>(c.toUcs4().value(0))));
+  }
+}
+
+void QtTextBox::SetAlignment(int16_t v) {
+  alignment_ = v;
+  if (Line()) Line()->setAlignment(HorizontalAlignment(v) | Qt::AlignVCenter);
+  if (Plain()) {
+    QTextOption option = Plain()->document()->defaultTextOption();
+    option.setAlignment(HorizontalAlignment(v));
+    Plain()->document()->setDefaultTextOption(option);
+  }
+}
+
+void QtTextBox::SetBorderStyle(int16_t v) {
+  border_style_ = v;
+  if (Line()) Line()->setFrame(v != 0);
+  if (Plain()) Plain()->setFrameShape(v != 0 ? QFrame::StyledPanel : QFrame::NoFrame);
+}
+
+void QtTextBox::ShowScrollBar(bool show) {
+  scroll_bar_ = multi_line_ && show;
+  if (Plain()) {
+    Plain()->setVerticalScrollBarPolicy(scroll_bar_ ? Qt::ScrollBarAlwaysOn
+                                                    : Qt::ScrollBarAlwaysOff);
+  }
+}
+
+void QtTextBox::Copy() {
+  if (SelLength() == 0 || !password_char_.empty() || toolkit_ == nullptr) return;
+  toolkit_->SetClipboardText(SelText());
+}
+
+void QtTextBox::Cut() {
+  if (locked_ || SelLength() == 0) return;
+  Copy();
+  ReplaceSelection("");
+}
+
+void QtTextBox::Paste() {
+  if (locked_ || toolkit_ == nullptr) return;
+  const std::string clip = toolkit_->ClipboardText();
+  if (clip.empty()) return;
+  ReplaceSelection(clip);
+}
+
+void QtTextBox::Clear() {
+  if (locked_ || SelLength() == 0) return;
+  ReplaceSelection("");
+}
+
+void QtTextBox::Undo() {
+  if (locked_ || !can_undo_) return;
+  // The undo is itself an edit: what it replaces becomes the next undo.
+  const std::string now = text_;
+  const int32_t now_start = SelStart(), now_length = SelLength();
+  text_ = undo_text_;
+  ShowText(std::min(undo_sel_start_, TextLength(text_)),
+           std::max(0, std::min(undo_sel_length_, TextLength(text_) - undo_sel_start_)));
+  undo_text_ = now;
+  undo_sel_start_ = now_start;
+  undo_sel_length_ = now_length;
+  typing_run_ = false;
+  if (text_ != undo_text_) QtRaise(*this, &ControlEvents::Change);
+}
+
+void QtTextBox::SetAccessibleText(const std::string& name, const std::string& description) {
+  if (!widget_) return;
+  widget_->setAccessibleName(QString::fromStdString(name));
+  widget_->setAccessibleDescription(QString::fromStdString(description));
+}
+
+void QtTextBox::ApplyColors() {
+  if (!widget_) return;
+  SetRoles(widget_, QPalette::Base, ToQColor(Resolve(back_color_)), QPalette::Text,
+           ToQColor(Resolve(fore_color_)));
+}
+
+// Command buttons.
+
+QtCommandButton::QtCommandButton(QtToolkit* toolkit, std::string name, int32_t index)
+    : QtControl(toolkit, ControlKind::kCommandButton, "", std::move(name), index) {}
+
+void QtCommandButton::SetPicture(const Picture& v) {
+  if (v.width < 0 || v.height < 0 || v.pixels.size() != static_cast<size_t>(v.width) * v.height) {
+    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: picture \"" +
+                                                v.id + "\" has " + std::to_string(v.pixels.size()) +
+                                                " pixels for its size " + std::to_string(v.width) +
+                                                "x" + std::to_string(v.height));
+  }
+  picture_ = v;
+  ApplyCaption();
+}
+
+void QtCommandButton::ApplyCaption() {
+  auto* button = qobject_cast<QPushButton*>(widget_.data());
+  if (button == nullptr) return;
+  if (picture_.width > 0 && picture_.height > 0) {
+    button->setText(QString());
+    button->setIcon(QIcon(QPixmap::fromImage(ToQImage(picture_))));
+    button->setIconSize(QSize(picture_.width, picture_.height));
+  } else {
+    button->setIcon(QIcon());
+    button->setText(QString::fromStdString(caption_));
+  }
+}
+
+void QtCommandButton::ApplyColors() {
+  if (!widget_) return;
+  SetRoles(widget_, QPalette::Button, ToQColor(Resolve(back_color_)), QPalette::ButtonText,
+           ToQColor(Resolve(fore_color_)));
+}
+
+// Shapes and images.
+
+QtShape::QtShape(QtToolkit* toolkit, std::string name, int32_t index)
+    : QtControl(toolkit, ControlKind::kShape, "", std::move(name), index) {}
+
+void QtShape::SetBorderColor(Color v) {
+  border_color_ = v;
+  ApplyColors();
+}
+
+void QtShape::SetBorderWidth(int16_t v) {
+  if (v < 1) throw PlatformFailure(kErrInvalidProcedureCall);
+  border_width_ = v;
+  ApplyColors();
+}
+
+void QtShape::SetBackStyle(int16_t v) {
+  back_style_ = v;
+  ApplyColors();
+}
+
+void QtShape::SetFillStyle(int16_t v) {
+  fill_style_ = v;
+  ApplyColors();
+}
+
+void QtShape::SetFillColor(Color v) {
+  fill_color_ = v;
+  ApplyColors();
+}
+
+void QtShape::Paint(QPainter& painter) {
+  const int32_t w = RoundPixels(width_, Tppx()), h = RoundPixels(height_, Tppy());
+  if (w <= 0 || h <= 0) return;
+  const QRect whole(0, 0, w, h);
+  if (back_style_ != 0) painter.fillRect(whole, ToQColor(Resolve(back_color_)));
+  Qt::BrushStyle hatch = Qt::NoBrush;
+  switch (fill_style_) {
+    case 0:
+      hatch = Qt::SolidPattern;
+      break;
+    case 2:
+      hatch = Qt::HorPattern;
+      break;
+    case 3:
+      hatch = Qt::VerPattern;
+      break;
+    case 4:
+      hatch = Qt::BDiagPattern;
+      break;
+    case 5:
+      hatch = Qt::FDiagPattern;
+      break;
+    case 6:
+      hatch = Qt::CrossPattern;
+      break;
+    case 7:
+      hatch = Qt::DiagCrossPattern;
+      break;
+    default:
+      break;
+  }
+  if (hatch != Qt::NoBrush) painter.fillRect(whole, QBrush(ToQColor(Resolve(fill_color_)), hatch));
+  // The border lies inside the rectangle, BorderWidth pixels thick.
+  const QColor border = ToQColor(Resolve(border_color_));
+  const int32_t bw = std::min<int32_t>(border_width_, std::max(1, std::min(w, h) / 2));
+  painter.fillRect(QRect(0, 0, w, bw), border);
+  painter.fillRect(QRect(0, h - bw, w, bw), border);
+  painter.fillRect(QRect(0, 0, bw, h), border);
+  painter.fillRect(QRect(w - bw, 0, bw, h), border);
+}
+
+QtImage::QtImage(QtToolkit* toolkit, std::string name, int32_t index)
+    : QtControl(toolkit, ControlKind::kImage, "", std::move(name), index) {}
+
+void QtImage::SetPicture(const Picture& v) {
+  picture_ = v;
+  ApplyColors();
+}
+
+void QtImage::SetStretch(bool v) {
+  stretch_ = v;
+  ApplyColors();
+}
+
+void QtImage::Paint(QPainter& painter) {
+  if (picture_.width <= 0 || picture_.height <= 0 ||
+      picture_.pixels.size() != static_cast<size_t>(picture_.width) * picture_.height) {
+    return;
+  }
+  const QImage image = ToQImage(picture_);
+  if (stretch_) {
+    painter.drawImage(QRect(0, 0, RoundPixels(width_, Tppx()), RoundPixels(height_, Tppy())),
+                      image);
+  } else {
+    painter.drawImage(QPoint(0, 0), image);
+  }
+}
+
+// Picture boxes, frames, user controls.
+
+QtPictureBox::QtPictureBox(QtToolkit* toolkit, std::string name, int32_t index)
+    : QtContainer(toolkit, ControlKind::kPictureBox, "", std::move(name), index) {}
+
+void QtPictureBox::SetPicture(const Picture& v) {
+  picture_ = v;
+  ApplyColors();
+}
+
+void QtPictureBox::SetBorderStyle(int16_t v) {
+  border_style_ = v;
+  ApplyColors();
+}
+
+void QtPictureBox::Paint(QPainter& painter) {
+  const int32_t w = RoundPixels(width_, Tppx()), h = RoundPixels(height_, Tppy());
+  painter.fillRect(QRect(0, 0, w, h), ToQColor(Resolve(back_color_)));
+  const int32_t inset = border_style_ != 0 ? 1 : 0;
+  painter.save();
+  painter.translate(inset, inset);
+  if (picture_.width > 0 &&
+      picture_.pixels.size() == static_cast<size_t>(picture_.width) * picture_.height) {
+    painter.drawImage(QPoint(0, 0), ToQImage(picture_));
+  }
+  surface_.Replay(painter);
+  painter.restore();
+  if (inset != 0) {
+    painter.setPen(ToQColor(Resolve(0x80000010u)));
+    painter.drawRect(0, 0, w - 1, h - 1);
+  }
+}
+
+QtFrame::QtFrame(QtToolkit* toolkit, std::string name, int32_t index)
+    : QtContainer(toolkit, ControlKind::kFrame, "", std::move(name), index) {}
+
+void QtFrame::SetBorderStyle(int16_t v) {
+  border_style_ = v;
+  ApplyColors();
+}
+
+void QtFrame::Paint(QPainter& painter) {
+  const int32_t w = RoundPixels(width_, Tppx()), h = RoundPixels(height_, Tppy());
+  painter.fillRect(QRect(0, 0, w, h), ToQColor(Resolve(back_color_)));
+  const QFont font = ToQFont(font_);
+  painter.setFont(font);
+  const QFontMetrics metrics(font);
+  const int32_t top = caption_.empty() ? 0 : metrics.height() / 2;
+  if (border_style_ != 0) {
+    // An etched rectangle: shadow, then highlight one pixel in.
+    painter.setPen(ToQColor(Resolve(0x80000010u)));
+    painter.drawRect(0, top, w - 2, h - top - 2);
+    painter.setPen(ToQColor(Resolve(0x80000014u)));
+    painter.drawRect(1, top + 1, w - 2, h - top - 2);
+  }
+  if (!caption_.empty()) {
+    const QString text = QString::fromStdString(caption_);
+    const int32_t tw = metrics.horizontalAdvance(text);
+    painter.fillRect(QRect(6, 0, tw + 4, metrics.height()), ToQColor(Resolve(back_color_)));
+    painter.setPen(ToQColor(Resolve(fore_color_)));
+    painter.drawText(QPoint(8, metrics.ascent()), text);
+  }
+}
+
+QtUserControl::QtUserControl(QtToolkit* toolkit, std::string class_name, std::string name,
+                             int32_t index)
+    : QtContainer(toolkit, ControlKind::kUserControl, std::move(class_name), std::move(name),
+                  index) {}
+
+Font QtUserControl::AmbientFont() const {
+  Container* parent = Parent();
+  if (parent == nullptr) return Font{};
+  try {
+    return parent->GetFont();
+  } catch (const Failure&) {
+    return Font{};
+  }
+}
+
+void QtUserControl::Paint(QPainter& painter) {
+  painter.fillRect(QRect(0, 0, RoundPixels(width_, Tppx()), RoundPixels(height_, Tppy())),
+                   ToQColor(Resolve(back_color_)));
+  surface_.Replay(painter);
+}
+
+// Forms.
+
+QtForm::QtForm(QtToolkit* toolkit, std::string name)
+    : QtContainer(toolkit, ControlKind::kForm, "", std::move(name), -1) {}
+
+void QtForm::ApplyGeometry() {
+  if (!widget_) return;
+  applying_geometry_ = true;
+  widget_->move(RoundPixels(left_, Tppx()), RoundPixels(top_, Tppy()));
+  widget_->resize(std::max(1, RoundPixels(width_, Tppx())),
+                  std::max(1, RoundPixels(height_, Tppy())));
+  applying_geometry_ = false;
+}
+
+void QtForm::ApplyCaption() {
+  if (widget_) widget_->setWindowTitle(QString::fromStdString(caption_));
+}
+
+void QtForm::Paint(QPainter& painter) {
+  painter.fillRect(QRect(0, 0, widget_->width(), widget_->height()),
+                   ToQColor(Resolve(back_color_)));
+}
+
+void QtForm::WidgetResized() {
+  // The user resized the window: the client area follows, with Resize.
+  if (!widget_) return;
+  const Twips w = widget_->width() * Tppx(), h = widget_->height() * Tppy();
+  if (RoundPixels(width_, Tppx()) == widget_->width() &&
+      RoundPixels(height_, Tppy()) == widget_->height()) {
+    return;
+  }
+  width_ = w;
+  height_ = h;
+  SizeChanged();
+}
+
+void QtForm::WidgetClosing() {
+  if (toolkit_ != nullptr && !unloaded_) toolkit_->Unload(*this);
+}
+
+void QtForm::SetBorderStyle(int16_t v) {
+  border_style_ = v;
+  if (!widget_) return;
+  Qt::WindowFlags flags = Qt::Window;
+  switch (v) {
+    case 0:
+      flags |= Qt::FramelessWindowHint;
+      break;
+    case 1:
+    case 3:
+      flags |= Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
+      if (v == 1) flags |= Qt::WindowMinimizeButtonHint;
+      break;
+    default:
+      break;
+  }
+  const bool was_visible = widget_->isVisible();
+  widget_->setWindowFlags(flags);
+  if (v == 1 || v == 3) {
+    widget_->setFixedSize(widget_->size());
+  } else {
+    widget_->setMinimumSize(0, 0);
+    widget_->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+  }
+  if (was_visible) widget_->show();
+}
+
+void QtForm::SetStartUpPosition(int16_t v) { start_up_position_ = v; }
+
+void QtForm::SetIcon(const Picture& v) {
+  icon_ = v;
+  if (!widget_) return;
+  if (v.width > 0 && v.pixels.size() == static_cast<size_t>(v.width) * v.height) {
+    widget_->setWindowIcon(QIcon(QPixmap::fromImage(ToQImage(v))));
+  } else {
+    widget_->setWindowIcon(QIcon());
+  }
+}
+
+void QtForm::ShowWindow() {
+  if (!widget_) return;
+  if (!placed_) {
+    placed_ = true;
+    if (start_up_position_ == 1 || start_up_position_ == 2) {
+      QRect area;
+      if (start_up_position_ == 1 && toolkit_ != nullptr && toolkit_->ActiveForm() != nullptr &&
+          toolkit_->ActiveForm() != this) {
+        if (QWidget* owner = toolkit_->WidgetOf(*toolkit_->ActiveForm())) {
+          area = owner->frameGeometry();
+        }
+      }
+      if (area.isEmpty()) {
+        if (QScreen* screen = QGuiApplication::primaryScreen()) area = screen->availableGeometry();
+      }
+      if (!area.isEmpty()) {
+        QRect frame = widget_->frameGeometry();
+        frame.moveCenter(area.center());
+        left_ = frame.left() * Tppx();
+        top_ = frame.top() * Tppy();
+        ApplyGeometry();
+      }
+    }
+  }
+  widget_->show();
+}
+
+void QtForm::Show() {
+  if (unloaded_) throw PlatformFailure(kErrInvalidProcedureCall);
+  const std::shared_ptr<Control> keep = shared_from_this();
+  if (!loaded_) {
+    loaded_ = true;
+    QtRaise(*this, &ControlEvents::Load);
+    if (unloaded_) return;
+  }
+  shown_ = true;
+  visible_ = true;
+  ShowWindow();
+  if (toolkit_ != nullptr) toolkit_->ActivateForm(this);
+}
+
+void QtForm::Hide() {
+  shown_ = false;
+  visible_ = false;
+  if (widget_) widget_->hide();
+  if (toolkit_ != nullptr && toolkit_->ActiveForm() == this) toolkit_->ActivateForm(nullptr);
+  if (modal_loop_ != nullptr) modal_loop_->quit();
+}
+
+}  // namespace tarnsheets

@@ -1,0 +1,604 @@
+// The Qt toolkit's controls. Internal to toolkits/qt.
+//
+// Each control keeps its properties itself (what was set reads back exactly, in twips and toolkit
+// colours) and shows them on its widget. Text boxes are the exception: the widget does the user's
+// editing, and the control keeps a copy of the text that follows every change of the widget.
+#ifndef TARNSHEETS_TOOLKITS_QT_QT_CONTROLS_H_
+#define TARNSHEETS_TOOLKITS_QT_QT_CONTROLS_H_
+
+#include <QEventLoop>
+#include <QFont>
+#include <QImage>
+#include <QLineEdit>
+#include <QObject>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QWidget>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "tarnsheets/failure.h"
+#include "tarnsheets/toolkit.h"
+#include "toolkits/qt/qt_toolkit.h"
+
+namespace tarnsheets {
+
+// Properties that only some kinds have; the others fail with 438.
+enum class QtCapability { kGeometry, kTabStop, kTabIndex, kCaption, kForeColor, kBackColor, kFont };
+bool QtKindHas(ControlKind kind, QtCapability capability);
+
+// Raises an event: the callback is copied first and the control kept alive while it runs.
+template <typename Member, typename... Args>
+void QtRaise(Control& control, Member member, Args&... args) {
+  const std::shared_ptr<Control> keep = control.shared_from_this();
+  const auto callback = control.Events().*member;
+  if (callback) callback(args...);
+}
+
+QFont ToQFont(const Font& font);
+QImage ToQImage(const Picture& picture);
+QColor ToQColor(Color rgb);
+
+// Watches the widgets of one toolkit: key and mouse events go to the toolkit first.
+class QtEventBridge : public QObject {
+ public:
+  explicit QtEventBridge(QtToolkit* toolkit) : toolkit_(toolkit) {}
+
+  void Watch(QObject* object, QtNode* node);
+  void Unwatch(QObject* object);
+  QtNode* NodeOf(const QObject* object) const;
+  // Sends `event` to `receiver` past this filter; a copy that the widget ignores does not travel
+  // on to the parents' filters.
+  void Forward(QObject* receiver, QEvent* event);
+  // Driving from inside a forwarded event's handlers starts afresh.
+  QObject* SuspendForwarding() {
+    QObject* saved = forward_target_;
+    forward_target_ = nullptr;
+    return saved;
+  }
+  void ResumeForwarding(QObject* saved) { forward_target_ = saved; }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QtToolkit* toolkit_;
+  std::unordered_map<const QObject*, QtNode*> nodes_;
+  QObject* forward_target_ = nullptr;
+};
+
+// A widget that the control paints itself: picture boxes, user controls, shapes, frames, images
+// and forms.
+class QtCanvas : public QWidget {
+ public:
+  QtCanvas(QtNode* node, QWidget* parent);
+  QtNode* node_;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+};
+
+// The state every Qt control has.
+class QtNode {
+ public:
+  QtNode(QtToolkit* toolkit, ControlKind kind, std::string class_name, std::string name,
+         int32_t index);
+  virtual ~QtNode();
+
+  virtual Control& Self() = 0;
+  bool IsContainer() const {
+    return kind_ == ControlKind::kPictureBox || kind_ == ControlKind::kFrame ||
+           kind_ == ControlKind::kUserControl || kind_ == ControlKind::kForm;
+  }
+  void Require(QtCapability capability) const {
+    if (!QtKindHas(kind_, capability)) throw PlatformFailure(kErrNotSupported);
+  }
+  QWidget* Widget() const { return widget_.data(); }
+  // Takes `widget` as this control's view (nullptr for menus): focus policy, event bridge.
+  void SetWidget(QWidget* widget);
+  // The widget children go into.
+  QWidget* ChildHost() const { return widget_.data(); }
+  // Marks this control and everything inside it as unloaded and drops their widgets.
+  void Detach();
+  void SizeChanged();
+
+  Twips Tppx() const { return toolkit_ != nullptr ? toolkit_->TwipsPerPixelX() : 15; }
+  Twips Tppy() const { return toolkit_ != nullptr ? toolkit_->TwipsPerPixelY() : 15; }
+  Color Resolve(Color c) const { return toolkit_ != nullptr ? toolkit_->ResolveColor(c) : c; }
+
+  // The view follows the properties.
+  virtual void ApplyGeometry();
+  virtual void ApplyColors() {
+    if (widget_) widget_->update();
+  }
+  virtual void ApplyFont() {
+    if (widget_ && QtKindHas(kind_, QtCapability::kFont)) widget_->setFont(ToQFont(font_));
+  }
+  virtual void ApplyCaption() {}
+  virtual void ApplyVisible();
+  void ApplyEnabled() {
+    if (widget_) widget_->setEnabled(enabled_);
+  }
+  // QtCanvas: paints the control.
+  virtual void Paint(QPainter& painter) { (void)painter; }
+  // QtCanvas of a form: the window's size changed by the user.
+  virtual void WidgetResized() {}
+  virtual void WidgetClosing() {}
+
+  QtToolkit* toolkit_;
+  ControlKind kind_;
+  std::string class_name_;
+  std::string name_;
+  int32_t index_;
+  Container* parent_ = nullptr;
+  Container* owner_ = nullptr;
+  bool attached_ = true;
+  QPointer<QWidget> widget_;
+  bool applying_geometry_ = false;
+
+  Twips left_ = 0, top_ = 0, width_ = 0, height_ = 0;
+  bool visible_ = true;
+  bool enabled_ = true;
+  std::string tag_;
+  bool tab_stop_ = false;
+  int32_t tab_index_ = 0;
+  std::string caption_;
+  Color fore_color_ = kSysWindowText;
+  Color back_color_ = kSysButtonFace;
+  Font font_;
+
+  // Containers: direct children in creation order. Forms and user controls: their controls
+  // collection in creation order, and the counter of TabIndex values.
+  std::vector<std::shared_ptr<Control>> children_;
+  std::vector<std::weak_ptr<Control>> collection_;
+  std::vector<std::shared_ptr<Control>> menus_;
+  int32_t next_tab_index_ = 0;
+
+  // Focus bookkeeping: GotFocus delivered without LostFocus yet; EnterFocus without ExitFocus.
+  bool got_focus_ = false;
+  bool entered_ = false;
+};
+
+QtNode* QtNodeOf(const Control& control);
+
+template <typename I>
+class QtControl : public I, public QtNode {
+ public:
+  using QtNode::QtNode;
+
+  Control& Self() override { return *this; }
+  ControlKind Kind() const override { return kind_; }
+  std::string TypeName() const override {
+    return class_name_.empty() ? ControlKindTypeName(kind_) : class_name_;
+  }
+  const std::string& Name() const override { return name_; }
+  int32_t Index() const override { return index_; }
+  Container* Parent() const override { return attached_ ? parent_ : nullptr; }
+  Container* Owner() const override { return attached_ ? owner_ : nullptr; }
+  uintptr_t Handle() const override {
+    if (kind_ == ControlKind::kLabel || kind_ == ControlKind::kShape ||
+        kind_ == ControlKind::kImage || kind_ == ControlKind::kMenu || !attached_) {
+      return 0;
+    }
+    return reinterpret_cast<uintptr_t>(widget_.data());
+  }
+
+  Twips Left() const override { return Geometry(left_); }
+  Twips Top() const override { return Geometry(top_); }
+  Twips Width() const override { return Geometry(width_); }
+  Twips Height() const override { return Geometry(height_); }
+  void SetLeft(Twips v) override { this->DoMove(v, top_, width_, height_); }
+  void SetTop(Twips v) override { this->DoMove(left_, v, width_, height_); }
+  void SetWidth(Twips v) override { this->DoMove(left_, top_, v, height_); }
+  void SetHeight(Twips v) override { this->DoMove(left_, top_, width_, v); }
+
+  bool Visible() const override { return visible_; }
+  void SetVisible(bool v) override {
+    const bool shown = v && !visible_;
+    visible_ = v;
+    ApplyVisible();
+    if (shown && kind_ == ControlKind::kUserControl && toolkit_ != nullptr) {
+      toolkit_->Repaint(*this);
+    }
+  }
+  bool Enabled() const override { return enabled_; }
+  void SetEnabled(bool v) override {
+    enabled_ = v;
+    ApplyEnabled();
+  }
+  const std::string& Tag() const override { return tag_; }
+  void SetTag(const std::string& v) override { tag_ = v; }
+  bool TabStop() const override {
+    Require(QtCapability::kTabStop);
+    return tab_stop_;
+  }
+  void SetTabStop(bool v) override {
+    Require(QtCapability::kTabStop);
+    tab_stop_ = v;
+  }
+  int32_t TabIndex() const override {
+    Require(QtCapability::kTabIndex);
+    return tab_index_;
+  }
+  void SetTabIndex(int32_t v) override {
+    Require(QtCapability::kTabIndex);
+    if (v < 0 || v > 32767) throw PlatformFailure(kErrInvalidProcedureCall);
+    tab_index_ = v;
+  }
+  std::string Caption() const override {
+    Require(QtCapability::kCaption);
+    return caption_;
+  }
+  void SetCaption(const std::string& v) override {
+    Require(QtCapability::kCaption);
+    caption_ = v;
+    ApplyCaption();
+  }
+  Color ForeColor() const override {
+    Require(QtCapability::kForeColor);
+    return fore_color_;
+  }
+  void SetForeColor(Color v) override {
+    Require(QtCapability::kForeColor);
+    fore_color_ = v;
+    ApplyColors();
+  }
+  Color BackColor() const override {
+    Require(QtCapability::kBackColor);
+    return back_color_;
+  }
+  void SetBackColor(Color v) override {
+    Require(QtCapability::kBackColor);
+    back_color_ = v;
+    BackColorChanged();
+    ApplyColors();
+  }
+  Font GetFont() const override {
+    Require(QtCapability::kFont);
+    return font_;
+  }
+  void SetFont(const Font& v) override {
+    Require(QtCapability::kFont);
+    font_ = v;
+    ApplyFont();
+  }
+
+  void SetFocus() override {
+    if (kind_ != ControlKind::kTextBox && kind_ != ControlKind::kCommandButton &&
+        kind_ != ControlKind::kPictureBox && kind_ != ControlKind::kUserControl &&
+        kind_ != ControlKind::kForm) {
+      throw PlatformFailure(kErrNotSupported);
+    }
+    if (toolkit_ == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
+    toolkit_->SetFocusTo(*this);
+  }
+  void Refresh() override {
+    if (toolkit_ == nullptr) return;
+    if (kind_ == ControlKind::kUserControl || kind_ == ControlKind::kForm) {
+      toolkit_->Repaint(*this);
+    } else if (widget_) {
+      widget_->update();
+    }
+  }
+
+ protected:
+  void DoMove(Twips left, std::optional<Twips> top, std::optional<Twips> width,
+              std::optional<Twips> height) override {
+    Require(QtCapability::kGeometry);
+    const Twips w = width.value_or(width_), h = height.value_or(height_);
+    if (w < 0 || h < 0) throw PlatformFailure(kErrInvalidProcedureCall);
+    const bool resized = w != width_ || h != height_;
+    left_ = left;
+    top_ = top.value_or(top_);
+    width_ = w;
+    height_ = h;
+    ApplyGeometry();
+    if (resized) SizeChanged();
+  }
+  virtual void BackColorChanged() {}
+
+ private:
+  Twips Geometry(Twips v) const {
+    Require(QtCapability::kGeometry);
+    return v;
+  }
+};
+
+// A drawing surface that records what is drawn; the widget replays it when it paints.
+class QtSurface : public Surface {
+ public:
+  explicit QtSurface(QtNode* node) : node_(node) {}
+
+  void Line(Twips x1, Twips y1, Twips x2, Twips y2, Color color) override;
+  void Box(Twips x1, Twips y1, Twips x2, Twips y2, Color color) override;
+  void PaintPicture(const Picture& picture, Twips x, Twips y) override;
+  void Cls() override;
+  Font DrawingFont() const override { return font_; }
+  void SetDrawingFont(const Font& font) override { font_ = font; }
+  Twips TextWidth(std::string_view text) const override;
+  Twips TextHeight(std::string_view text) const override;
+  Twips ScaleWidth() const override { return node_->width_; }
+  Twips ScaleHeight() const override { return node_->height_; }
+
+  // Draws the recorded operations, (0, 0) being the surface's inner corner.
+  void Replay(QPainter& painter) const;
+  const std::vector<DrawOp>& Ops() const { return ops_; }
+  int32_t ClsCount() const { return cls_count_; }
+
+ private:
+  void Changed() {
+    if (node_->widget_) node_->widget_->update();
+  }
+
+  QtNode* node_;
+  Font font_;
+  std::vector<DrawOp> ops_;
+  int32_t cls_count_ = 0;
+};
+
+template <typename I>
+class QtContainer : public QtControl<I> {
+ public:
+  using QtControl<I>::QtControl;
+
+  std::vector<std::shared_ptr<Control>> Children() const override { return this->children_; }
+  std::vector<std::shared_ptr<Control>> AllControls() const override;
+  std::shared_ptr<Control> FindControl(std::string_view name, int32_t index) const override;
+  Control* ActiveControl() const override;
+};
+
+class QtLabel : public QtControl<Label> {
+ public:
+  QtLabel(QtToolkit* toolkit, std::string name, int32_t index);
+  int16_t Alignment() const override { return alignment_; }
+  void SetAlignment(int16_t v) override;
+  int16_t BackStyle() const override { return back_style_; }
+  void SetBackStyle(int16_t v) override;
+  bool WordWrap() const override { return word_wrap_; }
+  void SetWordWrap(bool v) override;
+  void ApplyColors() override;
+  void ApplyCaption() override;
+
+  int16_t alignment_ = 0;
+  int16_t back_style_ = 1;
+  bool word_wrap_ = false;
+};
+
+class QtTextBox : public QtControl<TextBox> {
+ public:
+  QtTextBox(QtToolkit* toolkit, std::string name, int32_t index, bool multi_line);
+
+  bool MultiLine() const override { return multi_line_; }
+  const std::string& Text() const override { return text_; }
+  void SetText(const std::string& v) override;
+  int32_t SelStart() const override;
+  void SetSelStart(int32_t v) override;
+  int32_t SelLength() const override;
+  void SetSelLength(int32_t v) override;
+  std::string SelText() const override;
+  void SetSelText(const std::string& v) override;
+  bool Locked() const override { return locked_; }
+  void SetLocked(bool v) override;
+  const std::string& PasswordChar() const override { return password_char_; }
+  void SetPasswordChar(const std::string& v) override;
+  int16_t Alignment() const override { return alignment_; }
+  void SetAlignment(int16_t v) override;
+  int16_t BorderStyle() const override { return border_style_; }
+  void SetBorderStyle(int16_t v) override;
+  bool ScrollBarVisible() const override { return scroll_bar_; }
+  void ShowScrollBar(bool show) override;
+  void Copy() override;
+  void Cut() override;
+  void Paste() override;
+  void Clear() override;
+  void Undo() override;
+  bool CanUndo() const override { return can_undo_; }
+  void SetAccessibleText(const std::string& name, const std::string& description) override;
+
+  void ApplyColors() override;
+  // The user is about to edit through the widget: the selection before the edit is what Undo
+  // restores; consecutive typed characters undo together.
+  void BeforeUserEdit(bool typing);
+  void AfterUserEdit() { typing_now_ = false; }
+  void EndTypingRun() { typing_run_ = false; }
+  // The widget's text changed.
+  void WidgetTextChanged();
+  QObject* KeyReceiver() const { return widget_.data(); }
+  QObject* MouseReceiver() const;
+
+  bool multi_line_;
+  std::string text_;
+  bool locked_ = false;
+  std::string password_char_;
+  int16_t alignment_ = 0;
+  int16_t border_style_ = 1;
+  bool scroll_bar_ = false;
+  // One level of undo: the text and selection before the last edit.
+  bool can_undo_ = false;
+  std::string undo_text_;
+  int32_t undo_sel_start_ = 0;
+  int32_t undo_sel_length_ = 0;
+  bool typing_run_ = false;
+
+ private:
+  void ReplaceSelection(const std::string& text);
+  // Positions: characters of text_ against UTF-16 units of the widget's text.
+  int32_t QtPos(int32_t model_pos) const;
+  int32_t ModelPos(int32_t qt_pos) const;
+  QString ToQt(const std::string& text) const;
+  std::string WidgetText() const;
+  // The widget's selection in its own units: anchor and caret.
+  void WidgetSelection(int32_t* start, int32_t* end) const;
+  void ShowText(int32_t sel_start, int32_t sel_length);
+
+  QLineEdit* Line() const { return qobject_cast<QLineEdit*>(widget_.data()); }
+  QPlainTextEdit* Plain() const { return qobject_cast<QPlainTextEdit*>(widget_.data()); }
+  bool showing_ = false;  // the control itself is writing into the widget
+  bool typing_now_ = false;
+  int32_t pre_sel_start_ = 0;
+  int32_t pre_sel_length_ = 0;
+};
+
+class QtCommandButton : public QtControl<CommandButton> {
+ public:
+  QtCommandButton(QtToolkit* toolkit, std::string name, int32_t index);
+  const Picture& GetPicture() const override { return picture_; }
+  void SetPicture(const Picture& v) override;
+  bool Default() const override { return default_; }
+  void SetDefault(bool v) override { default_ = v; }
+  void ApplyColors() override;
+  void ApplyCaption() override;
+
+  Picture picture_;
+  bool default_ = false;
+};
+
+class QtShape : public QtControl<Shape> {
+ public:
+  QtShape(QtToolkit* toolkit, std::string name, int32_t index);
+  Color BorderColor() const override { return border_color_; }
+  void SetBorderColor(Color v) override;
+  int16_t BorderWidth() const override { return border_width_; }
+  void SetBorderWidth(int16_t v) override;
+  int16_t BackStyle() const override { return back_style_; }
+  void SetBackStyle(int16_t v) override;
+  int16_t FillStyle() const override { return fill_style_; }
+  void SetFillStyle(int16_t v) override;
+  Color FillColor() const override { return fill_color_; }
+  void SetFillColor(Color v) override;
+  void Paint(QPainter& painter) override;
+
+  Color border_color_ = kSysWindowText;
+  int16_t border_width_ = 1;
+  int16_t back_style_ = 0;
+  int16_t fill_style_ = 1;
+  Color fill_color_ = 0;
+};
+
+class QtImage : public QtControl<Image> {
+ public:
+  QtImage(QtToolkit* toolkit, std::string name, int32_t index);
+  const Picture& GetPicture() const override { return picture_; }
+  void SetPicture(const Picture& v) override;
+  bool Stretch() const override { return stretch_; }
+  void SetStretch(bool v) override;
+  void Paint(QPainter& painter) override;
+
+  Picture picture_;
+  bool stretch_ = false;
+};
+
+class QtMenu : public QtControl<Menu> {
+ public:
+  QtMenu(QtToolkit* toolkit, std::string name, int32_t index)
+      : QtControl(toolkit, ControlKind::kMenu, "", std::move(name), index) {}
+  bool Checked() const override { return checked_; }
+  void SetChecked(bool v) override { checked_ = v; }
+  Menu* ParentMenu() const override { return parent_menu_; }
+  std::vector<std::shared_ptr<Menu>> Items() const override { return items_; }
+
+  bool checked_ = false;
+  Menu* parent_menu_ = nullptr;
+  std::vector<std::shared_ptr<Menu>> items_;
+};
+
+class QtPictureBox : public QtContainer<PictureBox> {
+ public:
+  QtPictureBox(QtToolkit* toolkit, std::string name, int32_t index);
+  Surface& Drawing() override { return surface_; }
+  const Picture& GetPicture() const override { return picture_; }
+  void SetPicture(const Picture& v) override;
+  int16_t BorderStyle() const override { return border_style_; }
+  void SetBorderStyle(int16_t v) override;
+  void Paint(QPainter& painter) override;
+
+  QtSurface surface_{this};
+  Picture picture_;
+  int16_t border_style_ = 1;
+
+ protected:
+  void BackColorChanged() override { surface_.Cls(); }
+};
+
+class QtFrame : public QtContainer<Frame> {
+ public:
+  QtFrame(QtToolkit* toolkit, std::string name, int32_t index);
+  int16_t BorderStyle() const override { return border_style_; }
+  void SetBorderStyle(int16_t v) override;
+  void ApplyCaption() override { ApplyColors(); }
+  void Paint(QPainter& painter) override;
+
+  int16_t border_style_ = 1;
+};
+
+class QtUserControl : public QtContainer<UserControl> {
+ public:
+  QtUserControl(QtToolkit* toolkit, std::string class_name, std::string name, int32_t index);
+  Surface& Drawing() override { return surface_; }
+  bool CanGetFocus() const override { return can_get_focus_; }
+  void SetCanGetFocus(bool v) override { can_get_focus_ = v; }
+  Font AmbientFont() const override;
+  void NotifyPropertyChanged(const std::string& key) override { notified_.push_back(key); }
+  void PopupMenu(Menu& menu) override {
+    if (toolkit_ != nullptr) toolkit_->RunPopupMenu(menu);
+  }
+  void Paint(QPainter& painter) override;
+
+  QtSurface surface_{this};
+  bool can_get_focus_ = false;
+  std::vector<std::string> notified_;
+
+ protected:
+  void BackColorChanged() override { surface_.Cls(); }
+};
+
+class QtForm : public QtContainer<Form> {
+ public:
+  QtForm(QtToolkit* toolkit, std::string name);
+  Twips ScaleWidth() const override { return width_; }
+  Twips ScaleHeight() const override { return height_; }
+  void SetClientSize(Twips width, Twips height) override { DoMove(left_, top_, width, height); }
+  void Show() override;
+  void Hide() override;
+  bool IsShown() const override { return shown_; }
+  void PopupMenu(Menu& menu) override {
+    if (toolkit_ != nullptr) toolkit_->RunPopupMenu(menu);
+  }
+  int16_t BorderStyle() const override { return border_style_; }
+  void SetBorderStyle(int16_t v) override;
+  int16_t StartUpPosition() const override { return start_up_position_; }
+  void SetStartUpPosition(int16_t v) override;
+  const Picture& Icon() const override { return icon_; }
+  void SetIcon(const Picture& v) override;
+
+  void ApplyGeometry() override;
+  void ApplyCaption() override;
+  void ApplyVisible() override {}
+  void Paint(QPainter& painter) override;
+  void WidgetResized() override;
+  void WidgetClosing() override;
+  // Shows the window (first time: placed as StartUpPosition says).
+  void ShowWindow();
+
+  int16_t border_style_ = 2;
+  int16_t start_up_position_ = 0;
+  Picture icon_;
+  bool loaded_ = false;
+  bool shown_ = false;
+  bool unloaded_ = false;
+  bool placed_ = false;
+  // The control that holds this window's focus; kept alive while it does.
+  std::shared_ptr<Control> focused_;
+  int64_t focus_generation_ = 0;
+  // The nested loop of an interactive modal showing.
+  QEventLoop* modal_loop_ = nullptr;
+};
+
+}  // namespace tarnsheets
+
+#endif  // TARNSHEETS_TOOLKITS_QT_QT_CONTROLS_H_

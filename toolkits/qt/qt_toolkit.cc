@@ -1,0 +1,1588 @@
+#include "toolkits/qt/qt_toolkit.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QScreen>
+#include <algorithm>
+#include <cmath>
+
+#include "tarnsheets/failure.h"
+#include "toolkits/qt/qt_controls.h"
+
+namespace tarnsheets {
+namespace {
+
+struct DefaultSize {
+  Twips width, height;
+};
+
+DefaultSize DefaultSizeOf(ControlKind kind) {
+  switch (kind) {
+    case ControlKind::kLabel:
+      return {1215, 255};
+    case ControlKind::kTextBox:
+      return {1215, 285};
+    case ControlKind::kCommandButton:
+      return {1215, 375};
+    case ControlKind::kUserControl:
+      return {2400, 1200};
+    case ControlKind::kForm:
+      return {4800, 3600};
+    case ControlKind::kMenu:
+      return {0, 0};
+    default:
+      return {1215, 615};
+  }
+}
+
+// The user controls from `control` (itself included) up to its window, innermost first.
+std::vector<Control*> UserControlChain(Control* control) {
+  std::vector<Control*> chain;
+  for (Control* c = control; c != nullptr && c->Kind() != ControlKind::kForm; c = c->Parent()) {
+    if (c->Kind() == ControlKind::kUserControl) chain.push_back(c);
+  }
+  return chain;
+}
+
+bool Contains(const std::vector<Control*>& list, const Control* control) {
+  return std::find(list.begin(), list.end(), control) != list.end();
+}
+
+// Children sorted by TabIndex, creation order among equals.
+std::vector<std::shared_ptr<Control>> InTabOrder(const QtNode& node) {
+  std::vector<std::shared_ptr<Control>> children = node.children_;
+  std::stable_sort(children.begin(), children.end(),
+                   [](const std::shared_ptr<Control>& a, const std::shared_ptr<Control>& b) {
+                     return QtNodeOf(*a)->tab_index_ < QtNodeOf(*b)->tab_index_;
+                   });
+  return children;
+}
+
+// Visible and enabled, and so is every container up to the window.
+bool Usable(const Control& control) {
+  for (const Control* c = &control; c != nullptr && c->Kind() != ControlKind::kForm;
+       c = c->Parent()) {
+    if (!c->Visible() || !c->Enabled()) return false;
+  }
+  return true;
+}
+
+// The key codes of KeyDown and KeyUp.
+int16_t KeyCodeOf(int qt_key) {
+  if (qt_key >= Qt::Key_A && qt_key <= Qt::Key_Z) return static_cast<int16_t>(qt_key);
+  if (qt_key >= Qt::Key_0 && qt_key <= Qt::Key_9) return static_cast<int16_t>(qt_key);
+  if (qt_key >= Qt::Key_F1 && qt_key <= Qt::Key_F24) {
+    return static_cast<int16_t>(112 + (qt_key - Qt::Key_F1));
+  }
+  switch (qt_key) {
+    case Qt::Key_Backspace:
+      return kKeyBack;
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+      return kKeyTab;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return kKeyReturn;
+    case Qt::Key_Shift:
+      return 16;
+    case Qt::Key_Control:
+      return 17;
+    case Qt::Key_Alt:
+      return 18;
+    case Qt::Key_Escape:
+      return kKeyEscape;
+    case Qt::Key_Space:
+      return kKeySpace;
+    case Qt::Key_PageUp:
+      return 33;
+    case Qt::Key_PageDown:
+      return 34;
+    case Qt::Key_End:
+      return kKeyEnd;
+    case Qt::Key_Home:
+      return kKeyHome;
+    case Qt::Key_Left:
+      return kKeyLeft;
+    case Qt::Key_Up:
+      return kKeyUp;
+    case Qt::Key_Right:
+      return kKeyRight;
+    case Qt::Key_Down:
+      return kKeyDown;
+    case Qt::Key_Insert:
+      return 45;
+    case Qt::Key_Delete:
+      return kKeyDelete;
+    default:
+      return 0;
+  }
+}
+
+int QtKeyOf(int16_t code) {
+  if ((code >= 'A' && code <= 'Z') || (code >= '0' && code <= '9')) return code;
+  if (code >= 112 && code < 112 + 24) return Qt::Key_F1 + (code - 112);
+  switch (code) {
+    case kKeyBack:
+      return Qt::Key_Backspace;
+    case kKeyTab:
+      return Qt::Key_Tab;
+    case kKeyReturn:
+      return Qt::Key_Return;
+    case 16:
+      return Qt::Key_Shift;
+    case 17:
+      return Qt::Key_Control;
+    case 18:
+      return Qt::Key_Alt;
+    case kKeyEscape:
+      return Qt::Key_Escape;
+    case kKeySpace:
+      return Qt::Key_Space;
+    case 33:
+      return Qt::Key_PageUp;
+    case 34:
+      return Qt::Key_PageDown;
+    case kKeyEnd:
+      return Qt::Key_End;
+    case kKeyHome:
+      return Qt::Key_Home;
+    case kKeyLeft:
+      return Qt::Key_Left;
+    case kKeyUp:
+      return Qt::Key_Up;
+    case kKeyRight:
+      return Qt::Key_Right;
+    case kKeyDown:
+      return Qt::Key_Down;
+    case 45:
+      return Qt::Key_Insert;
+    case kKeyDelete:
+      return Qt::Key_Delete;
+    default:
+      return Qt::Key_unknown;
+  }
+}
+
+// The text a key types by itself (the keys that raise KeyPress).
+QString TextOfKey(int16_t code) {
+  switch (code) {
+    case kKeyBack:
+      return QStringLiteral("\b");
+    case kKeyTab:
+      return QStringLiteral("\t");
+    case kKeyReturn:
+      return QStringLiteral("\r");
+    case kKeyEscape:
+      return QString(QChar(27));
+    case kKeySpace:
+      return QStringLiteral(" ");
+    default:
+      return QString();
+  }
+}
+
+int16_t ShiftOf(Qt::KeyboardModifiers modifiers) {
+  int16_t shift = 0;
+  if (modifiers & Qt::ShiftModifier) shift |= kShiftMask;
+  if (modifiers & Qt::ControlModifier) shift |= kCtrlMask;
+  if (modifiers & Qt::AltModifier) shift |= kAltMask;
+  return shift;
+}
+
+Qt::KeyboardModifiers ModifiersOf(int16_t shift) {
+  Qt::KeyboardModifiers modifiers = Qt::NoModifier;
+  if (shift & kShiftMask) modifiers |= Qt::ShiftModifier;
+  if (shift & kCtrlMask) modifiers |= Qt::ControlModifier;
+  if (shift & kAltMask) modifiers |= Qt::AltModifier;
+  return modifiers;
+}
+
+int16_t ButtonOf(Qt::MouseButtons buttons) {
+  int16_t b = 0;
+  if (buttons & Qt::LeftButton) b |= kLeftButton;
+  if (buttons & Qt::RightButton) b |= kRightButton;
+  if (buttons & Qt::MiddleButton) b |= kMiddleButton;
+  return b;
+}
+
+Qt::MouseButton QtButtonOf(int16_t button) {
+  if (button & kLeftButton) return Qt::LeftButton;
+  if (button & kRightButton) return Qt::RightButton;
+  if (button & kMiddleButton) return Qt::MiddleButton;
+  return Qt::NoButton;
+}
+
+QApplication* EnsureApplication() {
+  if (auto* app = qobject_cast<QApplication*>(QCoreApplication::instance())) return app;
+  if (QCoreApplication::instance() != nullptr) {
+    throw Failure(kErrInvalidProcedureCall,
+                  "Invalid procedure call or argument: the Qt toolkit needs a QApplication, and "
+                  "the process already runs another kind of Qt application");
+  }
+  // The application lives until the process ends; argv must outlive it.
+  static int argc = 1;
+  static char arg0[] = "tarnsheets";
+  static char* argv[] = {arg0, nullptr};
+  return new QApplication(argc, argv);
+}
+
+}  // namespace
+
+QtToolkit::QtToolkit(DialogMode mode) : mode_(mode) {
+  EnsureApplication();
+  bridge_ = std::make_unique<QtEventBridge>(this);
+  if (QScreen* screen = QGuiApplication::primaryScreen()) {
+    const double dpi_x = screen->logicalDotsPerInchX(), dpi_y = screen->logicalDotsPerInchY();
+    if (dpi_x > 0) tppx_ = 1440.0 / dpi_x;
+    if (dpi_y > 0) tppy_ = 1440.0 / dpi_y;
+  }
+}
+
+QtToolkit::~QtToolkit() {
+  // Controls may outlive the toolkit through shared references; they must not call back, and
+  // their windows go with the toolkit.
+  std::vector<QWidget*> windows;
+  for (QtNode* node : nodes_) {
+    node->toolkit_ = nullptr;
+    if (node->widget_ && node->widget_->parentWidget() == nullptr) {
+      if (auto* canvas = dynamic_cast<QtCanvas*>(node->widget_.data())) canvas->node_ = nullptr;
+      windows.push_back(node->widget_.data());
+    }
+  }
+  for (auto& form : forms_) {
+    if (QtNode* node = QtNodeOf(*form)) node->Detach();
+  }
+  for (QWidget* window : windows) delete window;
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QtNode& QtToolkit::Node(const Control& control) const {
+  QtNode* node = QtNodeOf(control);
+  if (node == nullptr || node->toolkit_ != this) {
+    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: control \"" +
+                                                control.Name() +
+                                                "\" does not belong to this toolkit");
+  }
+  return *node;
+}
+
+QtForm* QtToolkit::FormOf(const Control& control) const {
+  const Control* c = &control;
+  while (c != nullptr && c->Kind() != ControlKind::kForm) c = c->Parent();
+  return c == nullptr ? nullptr : dynamic_cast<QtForm*>(const_cast<Control*>(c));
+}
+
+QtNode* QtToolkit::NodeOfWidget(const QWidget* widget) const { return bridge_->NodeOf(widget); }
+
+QWidget* QtToolkit::WidgetOf(const Control& control) const {
+  const QtNode* node = QtNodeOf(control);
+  return node != nullptr && node->attached_ ? node->Widget() : nullptr;
+}
+
+void QtToolkit::ProcessEvents() {
+  QCoreApplication::processEvents();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// Screen, colours, clipboard.
+
+void QtToolkit::SetTwipsPerPixel(Twips x, Twips y) {
+  if (!(x > 0) || !(y > 0)) throw PlatformFailure(kErrInvalidProcedureCall);
+  tppx_ = x;
+  tppy_ = y;
+  for (QtNode* node : nodes_) node->ApplyGeometry();
+}
+
+SheetRect QtToolkit::WindowRect(const Control& control) const {
+  if (control.Kind() == ControlKind::kMenu) return SheetRect{};
+  const QtNode& node = Node(control);
+  if (QWidget* w = node.Widget(); w != nullptr && node.attached_) {
+    QRect r;
+    if (w->isWindow()) {
+      r = w->frameGeometry();
+    } else {
+      r = QRect(w->mapToGlobal(QPoint(0, 0)), w->size());
+    }
+    return SheetRect{r.left(), r.top(), r.left() + r.width(), r.top() + r.height()};
+  }
+  Twips x = 0, y = 0;
+  for (const Control* c = &control; c != nullptr; c = c->Parent()) {
+    x += c->Left();
+    y += c->Top();
+  }
+  SheetRect r;
+  r.Left = static_cast<int32_t>(std::lround(x / tppx_));
+  r.Top = static_cast<int32_t>(std::lround(y / tppy_));
+  r.Right = r.Left + static_cast<int32_t>(std::lround(control.Width() / tppx_));
+  r.Bottom = r.Top + static_cast<int32_t>(std::lround(control.Height() / tppy_));
+  return r;
+}
+
+Color QtToolkit::ResolveColor(Color color) const {
+  if (!IsSystemColor(color)) return color;
+  const QPalette palette = QGuiApplication::palette();
+  QColor c;
+  switch (color & 0xFF) {
+    case 0x00:  // scroll bars
+      c = palette.color(QPalette::Button);
+      break;
+    case 0x01:  // desktop
+      c = palette.color(QPalette::Dark);
+      break;
+    case 0x02:  // active title bar
+      c = palette.color(QPalette::Highlight);
+      break;
+    case 0x03:  // inactive title bar
+      c = palette.color(QPalette::Mid);
+      break;
+    case 0x04:  // menu bar
+      c = palette.color(QPalette::Window);
+      break;
+    case 0x05:  // window background
+      c = palette.color(QPalette::Base);
+      break;
+    case 0x06:  // window frame
+      c = palette.color(QPalette::Shadow);
+      break;
+    case 0x07:  // menu text
+      c = palette.color(QPalette::WindowText);
+      break;
+    case 0x08:  // window text
+      c = palette.color(QPalette::Text);
+      break;
+    case 0x09:  // active title bar text
+      c = palette.color(QPalette::HighlightedText);
+      break;
+    case 0x0A:  // active border
+    case 0x0B:  // inactive border
+      c = palette.color(QPalette::Midlight);
+      break;
+    case 0x0C:  // application workspace
+      c = palette.color(QPalette::Dark);
+      break;
+    case 0x0D:  // highlight
+      c = palette.color(QPalette::Highlight);
+      break;
+    case 0x0E:  // highlight text
+      c = palette.color(QPalette::HighlightedText);
+      break;
+    case 0x0F:  // button face
+      c = palette.color(QPalette::Button);
+      break;
+    case 0x10:  // button shadow
+      c = palette.color(QPalette::Dark);
+      break;
+    case 0x11:  // disabled text
+      c = palette.color(QPalette::Disabled, QPalette::Text);
+      break;
+    case 0x12:  // button text
+      c = palette.color(QPalette::ButtonText);
+      break;
+    case 0x13:  // inactive title bar text
+      c = palette.color(QPalette::Inactive, QPalette::WindowText);
+      break;
+    case 0x14:  // button highlight
+      c = palette.color(QPalette::Light);
+      break;
+    case 0x15:  // 3-D dark shadow
+      c = palette.color(QPalette::Shadow);
+      break;
+    case 0x16:  // 3-D light
+      c = palette.color(QPalette::Midlight);
+      break;
+    case 0x17:  // tooltip text
+      c = palette.color(QPalette::ToolTipText);
+      break;
+    case 0x18:  // tooltip background
+      c = palette.color(QPalette::ToolTipBase);
+      break;
+    default:
+      return 0;
+  }
+  return Rgb(static_cast<uint32_t>(c.red()), static_cast<uint32_t>(c.green()),
+             static_cast<uint32_t>(c.blue()));
+}
+
+std::string QtToolkit::ClipboardText() const {
+  return QGuiApplication::clipboard()->text().toStdString();
+}
+
+void QtToolkit::SetClipboardText(const std::string& text) {
+  QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+}
+
+Control* QtToolkit::GetFocus() const {
+  return active_form_ == nullptr ? nullptr : active_form_->focused_.get();
+}
+
+bool QtToolkit::IsChild(const Control& parent, const Control& child) const {
+  for (const Control* c = child.Parent(); c != nullptr; c = c->Parent()) {
+    if (c == &parent) return true;
+  }
+  return false;
+}
+
+Form* QtToolkit::ActiveForm() const { return active_form_; }
+
+void QtToolkit::ActivateForm(QtForm* form) {
+  active_form_ = form;
+  if (form != nullptr && form->widget_ && form->widget_->isVisible()) {
+    form->widget_->activateWindow();
+    ApplyWidgetFocus(*form);
+  }
+}
+
+// Creation.
+
+template <typename T>
+std::shared_ptr<T> QtToolkit::Adopt(Container& parent, std::shared_ptr<T> control) {
+  QtNode& parent_node = Node(parent);
+  if (!parent_node.IsContainer() || !parent_node.attached_) {
+    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: \"" +
+                                                parent.Name() + "\" cannot hold controls");
+  }
+  Container* owner =
+      (parent.Kind() == ControlKind::kForm || parent.Kind() == ControlKind::kUserControl)
+          ? &parent
+          : parent.Owner();
+  if (owner == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
+  QtNode& node = *QtNodeOf(*control);
+  if (owner->FindControl(node.name_, node.index_) != nullptr) {
+    throw Failure(kErrObjectAlreadyLoaded,
+                  "Object already loaded: \"" + node.name_ + "\"" +
+                      (node.index_ >= 0 ? "(" + std::to_string(node.index_) + ")" : ""));
+  }
+  QtNode& owner_node = Node(*owner);
+  node.parent_ = &parent;
+  node.owner_ = owner;
+  const DefaultSize size = DefaultSizeOf(node.kind_);
+  node.width_ = size.width;
+  node.height_ = size.height;
+  if (QtKindHas(node.kind_, QtCapability::kTabIndex)) {
+    node.tab_index_ = owner_node.next_tab_index_++;
+  }
+  if (QtKindHas(parent_node.kind_, QtCapability::kFont)) node.font_ = parent_node.font_;
+  if (node.kind_ == ControlKind::kMenu) {
+    owner_node.menus_.push_back(control);
+  } else {
+    parent_node.children_.push_back(control);
+  }
+  owner_node.collection_.push_back(control);
+
+  // The widget, inside the parent's.
+  QWidget* host = parent_node.ChildHost();
+  QWidget* widget = nullptr;
+  switch (node.kind_) {
+    case ControlKind::kLabel: {
+      auto* label = new QLabel(host);
+      label->setTextFormat(Qt::PlainText);
+      label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+      widget = label;
+      break;
+    }
+    case ControlKind::kTextBox: {
+      auto* box = dynamic_cast<QtTextBox*>(&node);
+      if (box->multi_line_) {
+        auto* edit = new QPlainTextEdit(host);
+        edit->setUndoRedoEnabled(false);
+        edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        QObject::connect(edit, &QPlainTextEdit::textChanged, edit,
+                         [box] { box->WidgetTextChanged(); });
+        widget = edit;
+      } else {
+        auto* edit = new QLineEdit(host);
+        edit->setDragEnabled(false);
+        QObject::connect(edit, &QLineEdit::textChanged, edit, [box] { box->WidgetTextChanged(); });
+        widget = edit;
+      }
+      break;
+    }
+    case ControlKind::kCommandButton: {
+      auto* button = new QPushButton(host);
+      button->setAutoDefault(false);
+      widget = button;
+      break;
+    }
+    case ControlKind::kMenu:
+      break;
+    default: {
+      auto* canvas = new QtCanvas(&node, host);
+      if (node.kind_ == ControlKind::kShape) {
+        canvas->setAttribute(Qt::WA_TransparentForMouseEvents);
+      }
+      widget = canvas;
+      break;
+    }
+  }
+  node.SetWidget(widget);
+  if (auto* box = dynamic_cast<QtTextBox*>(&node)) {
+    box->SetLocked(box->locked_);
+    box->SetBorderStyle(box->border_style_);
+  }
+  node.ApplyGeometry();
+  node.ApplyColors();
+  node.ApplyFont();
+  node.ApplyCaption();
+  node.ApplyEnabled();
+  node.ApplyVisible();
+  return control;
+}
+
+std::shared_ptr<Form> QtToolkit::CreateForm(const std::string& name) {
+  auto form = std::make_shared<QtForm>(this, name);
+  const DefaultSize size = DefaultSizeOf(ControlKind::kForm);
+  form->width_ = size.width;
+  form->height_ = size.height;
+  form->visible_ = false;
+  auto* window = new QtCanvas(form.get(), nullptr);
+  window->setWindowFlag(Qt::Window);
+  form->SetWidget(window);
+  form->ApplyGeometry();
+  form->ApplyFont();
+  form->ApplyCaption();
+  forms_.push_back(form);
+  return form;
+}
+
+std::shared_ptr<Label> QtToolkit::CreateLabel(Container& parent, const std::string& name,
+                                              int32_t index) {
+  return Adopt(parent, std::make_shared<QtLabel>(this, name, index));
+}
+
+std::shared_ptr<TextBox> QtToolkit::CreateTextBox(Container& parent, const std::string& name,
+                                                  int32_t index, bool multi_line) {
+  return Adopt(parent, std::make_shared<QtTextBox>(this, name, index, multi_line));
+}
+
+std::shared_ptr<CommandButton> QtToolkit::CreateCommandButton(Container& parent,
+                                                              const std::string& name,
+                                                              int32_t index) {
+  return Adopt(parent, std::make_shared<QtCommandButton>(this, name, index));
+}
+
+std::shared_ptr<PictureBox> QtToolkit::CreatePictureBox(Container& parent, const std::string& name,
+                                                        int32_t index) {
+  return Adopt(parent, std::make_shared<QtPictureBox>(this, name, index));
+}
+
+std::shared_ptr<Shape> QtToolkit::CreateShape(Container& parent, const std::string& name,
+                                              int32_t index) {
+  return Adopt(parent, std::make_shared<QtShape>(this, name, index));
+}
+
+std::shared_ptr<Frame> QtToolkit::CreateFrame(Container& parent, const std::string& name,
+                                              int32_t index) {
+  return Adopt(parent, std::make_shared<QtFrame>(this, name, index));
+}
+
+std::shared_ptr<Image> QtToolkit::CreateImage(Container& parent, const std::string& name,
+                                              int32_t index) {
+  return Adopt(parent, std::make_shared<QtImage>(this, name, index));
+}
+
+std::shared_ptr<Menu> QtToolkit::CreateMenu(Container& owner, Menu* parent_menu,
+                                            const std::string& name, int32_t index) {
+  if (owner.Kind() != ControlKind::kForm && owner.Kind() != ControlKind::kUserControl) {
+    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: menu \"" + name +
+                                                "\" needs a form or user control");
+  }
+  auto menu = std::make_shared<QtMenu>(this, name, index);
+  if (parent_menu == nullptr) return Adopt(owner, menu);
+  auto* parent = dynamic_cast<QtMenu*>(parent_menu);
+  if (parent == nullptr || parent->Owner() != &owner) {
+    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: menu \"" + name +
+                                                "\" needs a parent menu of the same owner");
+  }
+  if (owner.FindControl(name, index) != nullptr) {
+    throw Failure(kErrObjectAlreadyLoaded,
+                  "Object already loaded: \"" + name + "\"" +
+                      (index >= 0 ? "(" + std::to_string(index) + ")" : ""));
+  }
+  menu->parent_ = &owner;
+  menu->owner_ = &owner;
+  menu->parent_menu_ = parent;
+  parent->items_.push_back(menu);
+  Node(owner).collection_.push_back(menu);
+  return menu;
+}
+
+std::shared_ptr<UserControl> QtToolkit::CreateUserControl(Container& parent,
+                                                          const std::string& class_name,
+                                                          const std::string& name, int32_t index) {
+  return Adopt(parent, std::make_shared<QtUserControl>(this, class_name, name, index));
+}
+
+std::shared_ptr<Control> QtToolkit::LoadControl(const Control& element0, int32_t index) {
+  const QtNode& t = Node(element0);
+  Container* parent = element0.Parent();
+  Container* owner = element0.Owner();
+  if (parent == nullptr || owner == nullptr || t.kind_ == ControlKind::kForm) {
+    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: \"" + t.name_ +
+                                                "\" is not loaded on a form");
+  }
+  if (index < 0 || index > 32767) throw PlatformFailure(kErrInvalidProcedureCall);
+  if (owner->FindControl(t.name_, index) != nullptr) {
+    throw Failure(kErrObjectAlreadyLoaded,
+                  "Object already loaded: \"" + t.name_ + "\"(" + std::to_string(index) + ")");
+  }
+  std::shared_ptr<Control> made;
+  switch (t.kind_) {
+    case ControlKind::kLabel: {
+      auto& s = dynamic_cast<const QtLabel&>(element0);
+      auto c = CreateLabel(*parent, t.name_, index);
+      c->SetAlignment(s.alignment_);
+      c->SetBackStyle(s.back_style_);
+      c->SetWordWrap(s.word_wrap_);
+      made = c;
+      break;
+    }
+    case ControlKind::kTextBox: {
+      auto& s = dynamic_cast<const QtTextBox&>(element0);
+      auto c = std::dynamic_pointer_cast<QtTextBox>(
+          CreateTextBox(*parent, t.name_, index, s.multi_line_));
+      c->SetText(s.text_);
+      c->SetLocked(s.locked_);
+      c->SetPasswordChar(s.password_char_);
+      c->SetAlignment(s.alignment_);
+      c->SetBorderStyle(s.border_style_);
+      c->ShowScrollBar(s.scroll_bar_);
+      made = c;
+      break;
+    }
+    case ControlKind::kCommandButton: {
+      auto& s = dynamic_cast<const QtCommandButton&>(element0);
+      auto c = CreateCommandButton(*parent, t.name_, index);
+      c->SetPicture(s.picture_);
+      made = c;
+      break;
+    }
+    case ControlKind::kPictureBox: {
+      auto& s = dynamic_cast<const QtPictureBox&>(element0);
+      auto c = CreatePictureBox(*parent, t.name_, index);
+      c->SetPicture(s.picture_);
+      c->SetBorderStyle(s.border_style_);
+      made = c;
+      break;
+    }
+    case ControlKind::kShape: {
+      auto& s = dynamic_cast<const QtShape&>(element0);
+      auto c = CreateShape(*parent, t.name_, index);
+      c->SetBorderColor(s.border_color_);
+      c->SetBorderWidth(s.border_width_);
+      c->SetBackStyle(s.back_style_);
+      c->SetFillStyle(s.fill_style_);
+      c->SetFillColor(s.fill_color_);
+      made = c;
+      break;
+    }
+    case ControlKind::kFrame: {
+      auto& s = dynamic_cast<const QtFrame&>(element0);
+      auto c = CreateFrame(*parent, t.name_, index);
+      c->SetBorderStyle(s.border_style_);
+      made = c;
+      break;
+    }
+    case ControlKind::kImage: {
+      auto& s = dynamic_cast<const QtImage&>(element0);
+      auto c = CreateImage(*parent, t.name_, index);
+      c->SetPicture(s.picture_);
+      c->SetStretch(s.stretch_);
+      made = c;
+      break;
+    }
+    case ControlKind::kMenu: {
+      auto& s = dynamic_cast<const QtMenu&>(element0);
+      auto c = CreateMenu(*owner, s.parent_menu_, t.name_, index);
+      c->SetChecked(s.checked_);
+      made = c;
+      break;
+    }
+    case ControlKind::kUserControl: {
+      auto& s = dynamic_cast<const QtUserControl&>(element0);
+      auto c = CreateUserControl(*parent, t.class_name_, t.name_, index);
+      c->SetCanGetFocus(s.can_get_focus_);
+      made = c;
+      break;
+    }
+    case ControlKind::kForm:
+      break;
+  }
+  QtNode& n = Node(*made);
+  n.left_ = t.left_;
+  n.top_ = t.top_;
+  n.width_ = t.width_;
+  n.height_ = t.height_;
+  n.visible_ = false;
+  n.enabled_ = t.enabled_;
+  n.tag_ = t.tag_;
+  n.tab_stop_ = t.tab_stop_;
+  n.caption_ = t.caption_;
+  n.fore_color_ = t.fore_color_;
+  n.back_color_ = t.back_color_;
+  n.font_ = t.font_;
+  n.ApplyGeometry();
+  n.ApplyColors();
+  n.ApplyFont();
+  n.ApplyCaption();
+  n.ApplyEnabled();
+  n.ApplyVisible();
+  return made;
+}
+
+void QtToolkit::Unload(Control& control) {
+  QtNode& node = Node(control);
+  const std::shared_ptr<Control> keep = control.shared_from_this();
+  if (node.kind_ == ControlKind::kForm) {
+    auto& form = dynamic_cast<QtForm&>(control);
+    if (form.unloaded_) return;
+    if (form.loaded_) QtRaise(form, &ControlEvents::Unload);
+    form.Hide();
+    form.unloaded_ = true;
+    form.focused_.reset();
+    node.Detach();
+    std::erase(forms_, keep);
+    return;
+  }
+  if (!node.attached_) return;
+  if (QtForm* form = FormOf(control)) {
+    Control* focus = form->focused_.get();
+    if (focus != nullptr && (focus == &control || IsChild(control, *focus))) {
+      // The focus goes on to the next stop outside the control, without Validate.
+      std::vector<Control*> ring;
+      CollectStops(*form, focus, &ring);
+      Control* next = nullptr;
+      auto at = std::find(ring.begin(), ring.end(), focus);
+      for (size_t i = 1; at != ring.end() && i < ring.size(); ++i) {
+        Control* candidate = ring[(static_cast<size_t>(at - ring.begin()) + i) % ring.size()];
+        if (candidate != &control && !IsChild(control, *candidate)) {
+          next = candidate;
+          break;
+        }
+      }
+      MoveFocus(*form, next, false);
+    }
+  }
+  if (node.kind_ == ControlKind::kMenu) {
+    auto& menu = dynamic_cast<QtMenu&>(control);
+    if (auto* parent_menu = dynamic_cast<QtMenu*>(menu.parent_menu_)) {
+      std::erase(parent_menu->items_, std::dynamic_pointer_cast<Menu>(keep));
+    } else if (node.owner_ != nullptr) {
+      std::erase(Node(*node.owner_).menus_, keep);
+    }
+  } else if (node.parent_ != nullptr) {
+    std::erase(Node(*node.parent_).children_, keep);
+  }
+  node.Detach();
+}
+
+// Focus.
+
+bool QtToolkit::CanTakeFocus(const Control& control) const {
+  const QtNode& node = Node(control);
+  if (!node.attached_) return false;
+  switch (node.kind_) {
+    case ControlKind::kTextBox:
+    case ControlKind::kCommandButton:
+    case ControlKind::kPictureBox:
+    case ControlKind::kUserControl:
+      break;
+    default:
+      return false;
+  }
+  return Usable(control) && FormOf(control) != nullptr;
+}
+
+void QtToolkit::CollectStops(Container& container, Control* always,
+                             std::vector<Control*>* out) const {
+  for (const auto& child : InTabOrder(Node(container))) {
+    const QtNode& node = Node(*child);
+    Control* c = child.get();
+    if (!node.visible_ || !node.enabled_) continue;
+    const bool inside_always = always != nullptr && (always == c || IsChild(*c, *always));
+    switch (node.kind_) {
+      case ControlKind::kTextBox:
+      case ControlKind::kCommandButton:
+        if (node.tab_stop_ || c == always) out->push_back(c);
+        break;
+      case ControlKind::kPictureBox:
+        if (node.tab_stop_ || c == always) out->push_back(c);
+        CollectStops(dynamic_cast<Container&>(*c), always, out);
+        break;
+      case ControlKind::kFrame:
+        CollectStops(dynamic_cast<Container&>(*c), always, out);
+        break;
+      case ControlKind::kUserControl: {
+        if (!node.tab_stop_ && !inside_always) break;
+        auto& uc = dynamic_cast<QtUserControl&>(*c);
+        std::vector<Control*> inner;
+        CollectStops(uc, always, &inner);
+        if (!inner.empty()) {
+          out->insert(out->end(), inner.begin(), inner.end());
+        } else if (Control* first = FocusTargetOf(uc); first != nullptr) {
+          out->push_back(inside_always ? always : first);
+        }
+        break;
+      }
+      default:
+        break;
+    }
+  }
+}
+
+// Where SetFocus on `control` puts the focus: the control itself, or for a user control that
+// does not take the focus itself its first child in tab order that can take it (TabStop aside).
+Control* QtToolkit::FocusTargetOf(Control& control) const {
+  if (!CanTakeFocus(control)) return nullptr;
+  if (control.Kind() != ControlKind::kUserControl) return &control;
+  auto& uc = dynamic_cast<QtUserControl&>(control);
+  for (const auto& child : InTabOrder(uc)) {
+    const QtNode& node = Node(*child);
+    if (!node.visible_ || !node.enabled_) continue;
+    if (node.kind_ == ControlKind::kFrame) {
+      for (const auto& inner : InTabOrder(node)) {
+        if (Control* target = FocusTargetOf(*inner)) return target;
+      }
+      continue;
+    }
+    if (Control* target = FocusTargetOf(*child)) return target;
+  }
+  return uc.can_get_focus_ ? &control : nullptr;
+}
+
+Control* QtToolkit::NeighbourStop(QtForm& form, Control* from, bool backward) {
+  std::vector<Control*> ring;
+  CollectStops(form, from, &ring);
+  if (ring.empty()) return nullptr;
+  auto at = std::find(ring.begin(), ring.end(), from);
+  if (at == ring.end()) return backward ? ring.back() : ring.front();
+  const size_t i = static_cast<size_t>(at - ring.begin());
+  return backward ? ring[(i + ring.size() - 1) % ring.size()] : ring[(i + 1) % ring.size()];
+}
+
+std::vector<Control*> QtToolkit::TabOrder(Form& form) {
+  std::vector<Control*> ring;
+  CollectStops(form, nullptr, &ring);
+  return ring;
+}
+
+void QtToolkit::SetFocusTo(Control& control) {
+  Node(control);
+  QtForm* form = FormOf(control);
+  if (form == nullptr || form->unloaded_) throw PlatformFailure(kErrInvalidProcedureCall);
+  if (&control == form) {
+    ActivateForm(form);
+    return;
+  }
+  Control* target = FocusTargetOf(control);
+  if (target == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
+  ActivateForm(form);
+  MoveFocus(*form, target, true);
+}
+
+void QtToolkit::ApplyWidgetFocus(QtForm& form) {
+  Control* focus = form.focused_.get();
+  QWidget* widget = focus != nullptr ? Node(*focus).Widget() : nullptr;
+  if (widget != nullptr) {
+    widget->setFocus(Qt::OtherFocusReason);
+  } else if (form.widget_ && form.widget_->focusWidget() != nullptr) {
+    form.widget_->focusWidget()->clearFocus();
+  }
+}
+
+bool QtToolkit::MoveFocus(QtForm& form, Control* target, bool validate) {
+  const std::shared_ptr<Control> keep_old = form.focused_;
+  const std::shared_ptr<Control> keep_target = target ? target->shared_from_this() : nullptr;
+  Control* old = keep_old.get();
+  if (old == target) return true;
+  const std::vector<Control*> old_chain = UserControlChain(old);
+  const std::vector<Control*> target_chain = UserControlChain(target);
+  std::vector<std::shared_ptr<Control>> left;  // innermost first
+  for (Control* uc : old_chain) {
+    if (!Contains(target_chain, uc)) left.push_back(uc->shared_from_this());
+  }
+  std::vector<std::shared_ptr<Control>> entered;  // outermost first
+  for (auto it = target_chain.rbegin(); it != target_chain.rend(); ++it) {
+    entered.push_back((*it)->shared_from_this());
+  }
+  int64_t generation = form.focus_generation_;
+  auto moved_elsewhere = [&] { return form.focus_generation_ != generation; };
+
+  if (validate && old != nullptr && Node(*old).got_focus_) {
+    bool cancel = false;
+    QtRaise(*old, &ControlEvents::Validate, cancel);
+    if (cancel || moved_elsewhere()) return false;
+    for (const auto& uc : left) {
+      if (uc.get() == old || !Node(*uc).got_focus_) continue;
+      cancel = false;
+      QtRaise(*uc, &ControlEvents::Validate, cancel);
+      if (cancel || moved_elsewhere()) return false;
+    }
+  }
+
+  form.focused_ = keep_target;
+  generation = ++form.focus_generation_;
+  ApplyWidgetFocus(form);
+
+  if (old != nullptr && Node(*old).got_focus_) {
+    Node(*old).got_focus_ = false;
+    QtRaise(*old, &ControlEvents::LostFocus);
+    if (moved_elsewhere()) return false;
+  }
+  for (const auto& uc : left) {
+    QtNode& node = Node(*uc);
+    if (!node.got_focus_) continue;
+    node.got_focus_ = false;
+    QtRaise(*uc, &ControlEvents::LostFocus);
+    if (moved_elsewhere()) return false;
+  }
+  for (const auto& uc : left) {
+    QtNode& node = Node(*uc);
+    if (!node.entered_) continue;
+    node.entered_ = false;
+    QtRaise(*uc, &ControlEvents::ExitFocus);
+    if (moved_elsewhere()) return false;
+  }
+  for (const auto& uc : entered) {
+    QtNode& node = Node(*uc);
+    if (node.entered_) continue;
+    node.entered_ = true;
+    QtRaise(*uc, &ControlEvents::EnterFocus);
+    if (moved_elsewhere()) return false;
+  }
+  for (const auto& uc : entered) {
+    QtNode& node = Node(*uc);
+    if (uc.get() == target || node.got_focus_) continue;
+    node.got_focus_ = true;
+    QtRaise(*uc, &ControlEvents::GotFocus);
+    if (moved_elsewhere()) return false;
+  }
+  if (target != nullptr && !Node(*target).got_focus_) {
+    Node(*target).got_focus_ = true;
+    QtRaise(*target, &ControlEvents::GotFocus);
+    if (moved_elsewhere()) return false;
+  }
+  return true;
+}
+
+bool QtToolkit::FocusOutside() {
+  QtForm* form = active_form_;
+  if (form == nullptr) return true;
+  if (!MoveFocus(*form, nullptr, true)) return false;
+  if (active_form_ == form && form->focused_ == nullptr) active_form_ = nullptr;
+  return true;
+}
+
+// Real input events.
+
+bool QtToolkit::OnKey(QtNode& node, QObject* receiver, QEvent* event) {
+  auto* ke = static_cast<QKeyEvent*>(event);
+  Control& control = node.Self();
+  const std::shared_ptr<Control> keep = control.shared_from_this();
+  if (!node.attached_) return true;
+  const int qt_key = ke->key();
+  const Qt::KeyboardModifiers modifiers = ke->modifiers();
+  const int16_t shift = ShiftOf(modifiers);
+  const bool press = ke->type() == QEvent::KeyPress;
+
+  if ((qt_key == Qt::Key_Tab || qt_key == Qt::Key_Backtab) &&
+      !(modifiers & (Qt::ControlModifier | Qt::AltModifier))) {
+    // Our own focus chain; Tab raises no key events.
+    if (press) {
+      QtForm* form = FormOf(control);
+      Control* focus = form != nullptr ? form->focused_.get() : nullptr;
+      if (focus != nullptr) {
+        const bool backward = qt_key == Qt::Key_Backtab || (shift & kShiftMask) != 0;
+        Control* next = NeighbourStop(*form, focus, backward);
+        if (next != nullptr && next != focus) MoveFocus(*form, next, true);
+      }
+    }
+    return true;
+  }
+
+  const int16_t code = KeyCodeOf(qt_key);
+  auto* box = dynamic_cast<QtTextBox*>(&control);
+  if (!press) {
+    int16_t up = code, up_shift = shift;
+    QtRaise(control, &ControlEvents::KeyUp, up, up_shift);
+    if (node.attached_) {
+      QKeyEvent copy(QEvent::KeyRelease, qt_key, modifiers, ke->text(), ke->isAutoRepeat());
+      bridge_->Forward(receiver, &copy);
+    }
+    if (up == kKeySpace && control.Kind() == ControlKind::kCommandButton && control.Enabled()) {
+      QtRaise(control, &ControlEvents::Click);
+    }
+    return true;
+  }
+
+  int16_t down = code, down_shift = shift;
+  QtRaise(control, &ControlEvents::KeyDown, down, down_shift);
+  if (!node.attached_) return true;
+  const bool changed_key = down != code;
+  const int act_key = changed_key ? QtKeyOf(down) : qt_key;
+  const QString text = changed_key ? TextOfKey(down) : ke->text();
+
+  if (down == kKeyReturn && !(box != nullptr && box->multi_line_)) {
+    std::shared_ptr<Control> default_button;
+    if (QtForm* form = FormOf(control)) {
+      for (const auto& c : form->AllControls()) {
+        auto* button = dynamic_cast<QtCommandButton*>(c.get());
+        if (button != nullptr && button->default_ && CanTakeFocus(*button)) {
+          default_button = c;
+          break;
+        }
+      }
+    }
+    if (default_button != nullptr) {
+      QtRaise(*default_button, &ControlEvents::Click);
+      return true;
+    }
+  }
+
+  if (box != nullptr && (modifiers & Qt::ControlModifier) && !(modifiers & Qt::AltModifier)) {
+    switch (down) {
+      case 'C':
+      case 45:
+        box->Copy();
+        return true;
+      case 'X':
+        box->Cut();
+        return true;
+      case 'V':
+        box->Paste();
+        return true;
+      case 'Z':
+        box->Undo();
+        return true;
+      default:
+        break;
+    }
+  }
+  if (box != nullptr && (modifiers & Qt::ShiftModifier) && !(modifiers & Qt::ControlModifier)) {
+    if (down == kKeyDelete) {
+      box->Cut();
+      return true;
+    }
+    if (down == 45) {
+      box->Paste();
+      return true;
+    }
+  }
+
+  // The character the key types, if any.
+  uint32_t character = 0;
+  if (down == kKeyBack || down == kKeyReturn || down == kKeyEscape || down == kKeySpace) {
+    character = static_cast<uint32_t>(down);
+  } else if (!text.isEmpty() && !(modifiers & (Qt::ControlModifier | Qt::AltModifier))) {
+    const QList<uint> ucs4 = text.toUcs4();
+    if (!ucs4.isEmpty() && ucs4[0] >= 32 && ucs4[0] != 127) character = ucs4[0];
+  }
+
+  if (character != 0) {
+    uint32_t typed = character;
+    if (character <= 0xFFFF) {
+      int16_t ascii = static_cast<int16_t>(static_cast<uint16_t>(character));
+      QtRaise(control, &ControlEvents::KeyPress, ascii);
+      if (!node.attached_) return true;
+      typed = static_cast<uint16_t>(ascii);
+    }
+    if (typed == 0) return true;
+    if (box != nullptr) {
+      int key = Qt::Key_unknown;
+      QString typed_text;
+      switch (typed) {
+        case kKeyBack:
+          key = Qt::Key_Backspace;
+          break;
+        case kKeyReturn:
+          key = Qt::Key_Return;
+          typed_text = QStringLiteral("\r");
+          break;
+        case kKeyEscape:
+          key = Qt::Key_Escape;
+          break;
+        default:
+          key = (typed == character && !changed_key) ? act_key : Qt::Key_unknown;
+          if (key == Qt::Key_Space && typed != ' ') key = Qt::Key_unknown;
+          typed_text = QString::fromUcs4(reinterpret_cast<const char32_t*>(&typed), 1);
+          break;
+      }
+      box->BeforeUserEdit(typed >= 32);
+      QKeyEvent copy(QEvent::KeyPress, key, modifiers & Qt::ShiftModifier, typed_text);
+      bridge_->Forward(box->KeyReceiver(), &copy);
+      box->AfterUserEdit();
+    } else {
+      QKeyEvent copy(QEvent::KeyPress, act_key, modifiers, text, ke->isAutoRepeat());
+      bridge_->Forward(receiver, &copy);
+    }
+    return true;
+  }
+
+  if (box != nullptr) {
+    // Caret keys, Delete and the widget's own shortcuts (select all).
+    box->BeforeUserEdit(false);
+    box->EndTypingRun();
+    QKeyEvent copy(QEvent::KeyPress, act_key, modifiers, text, ke->isAutoRepeat());
+    bridge_->Forward(box->KeyReceiver(), &copy);
+    box->AfterUserEdit();
+  }
+  return true;
+}
+
+bool QtToolkit::OnMouse(QtNode& node, QObject* receiver, QEvent* event) {
+  auto* me = static_cast<QMouseEvent*>(event);
+  Control& control = node.Self();
+  const std::shared_ptr<Control> keep = control.shared_from_this();
+  if (!node.attached_ || control.Kind() == ControlKind::kMenu) return true;
+  if (!Usable(control)) return true;
+  auto* receiver_widget = static_cast<QWidget*>(receiver);
+  QPointF local = me->position();
+  if (receiver_widget != node.Widget() && node.Widget() != nullptr) {
+    local = receiver_widget->mapTo(node.Widget(), local.toPoint());
+  }
+  float fx = static_cast<float>(local.x() * tppx_), fy = static_cast<float>(local.y() * tppy_);
+  int16_t shift = ShiftOf(me->modifiers());
+  auto forward = [&] {
+    QMouseEvent copy(me->type(), me->position(), me->scenePosition(), me->globalPosition(),
+                     me->button(), me->buttons(), me->modifiers(), me->pointingDevice());
+    bridge_->Forward(receiver, &copy);
+  };
+  auto* box = dynamic_cast<QtTextBox*>(&control);
+
+  switch (me->type()) {
+    case QEvent::MouseButtonPress: {
+      int16_t button = ButtonOf(me->button());
+      after_double_click_ = false;
+      const bool focusable_uc =
+          control.Kind() == ControlKind::kUserControl && FocusTargetOf(control) == &control;
+      bool take = false;
+      if (button == kLeftButton) {
+        take = control.Kind() == ControlKind::kTextBox ||
+               control.Kind() == ControlKind::kCommandButton ||
+               control.Kind() == ControlKind::kPictureBox || focusable_uc;
+      } else if (button == kRightButton) {
+        take = control.Kind() == ControlKind::kTextBox || focusable_uc;
+      }
+      if (take) {
+        QtForm* form = FormOf(control);
+        if (form == nullptr) return true;
+        ActivateForm(form);
+        if (form->focused_.get() != &control && !MoveFocus(*form, &control, true)) {
+          // Validate kept the focus: the press, its release and the click are swallowed.
+          swallowed_press_ = receiver;
+          return true;
+        }
+      }
+      swallowed_press_ = nullptr;
+      pressed_ = receiver;
+      if (box != nullptr) box->EndTypingRun();
+      QtRaise(control, &ControlEvents::MouseDown, button, shift, fx, fy);
+      if (node.attached_) forward();
+      return true;
+    }
+    case QEvent::MouseButtonRelease: {
+      if (swallowed_press_ == receiver) {
+        swallowed_press_ = nullptr;
+        return true;
+      }
+      int16_t button = ButtonOf(me->button());
+      const bool click = button == kLeftButton && pressed_ == receiver && !after_double_click_ &&
+                         receiver_widget->rect().contains(me->position().toPoint());
+      pressed_ = nullptr;
+      after_double_click_ = false;
+      QtRaise(control, &ControlEvents::MouseUp, button, shift, fx, fy);
+      if (node.attached_) forward();
+      if (click && node.attached_ && Usable(control)) QtRaise(control, &ControlEvents::Click);
+      return true;
+    }
+    case QEvent::MouseButtonDblClick:
+      QtRaise(control, &ControlEvents::DblClick);
+      if (node.attached_) forward();
+      after_double_click_ = true;
+      pressed_ = receiver;
+      return true;
+    case QEvent::MouseMove: {
+      int16_t buttons = ButtonOf(me->buttons());
+      QtRaise(control, &ControlEvents::MouseMove, buttons, shift, fx, fy);
+      if (node.attached_) forward();
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+// Driving.
+
+void QtToolkit::SendKey(int16_t key_code, int16_t shift, bool press, bool release,
+                        uint32_t character) {
+  Control* focus = GetFocus();
+  if (focus == nullptr) return;
+  const std::shared_ptr<Control> keep = focus->shared_from_this();
+  QtNode& node = Node(*focus);
+  QPointer<QWidget> widget = node.Widget();
+  if (!widget) return;
+  int qt_key = Qt::Key_unknown;
+  QString text;
+  if (character != 0) {
+    if (character >= 'a' && character <= 'z') {
+      qt_key = Qt::Key_A + static_cast<int>(character - 'a');
+    } else if ((character >= 'A' && character <= 'Z') || (character >= '0' && character <= '9')) {
+      qt_key = static_cast<int>(character);
+    } else if (character == ' ') {
+      qt_key = Qt::Key_Space;
+    }
+    text = QString::fromUcs4(reinterpret_cast<const char32_t*>(&character), 1);
+  } else {
+    qt_key = QtKeyOf(key_code);
+    if (key_code == kKeyTab && (shift & kShiftMask)) qt_key = Qt::Key_Backtab;
+    text = TextOfKey(key_code);
+    if (key_code == kKeyTab) text.clear();
+  }
+  const Qt::KeyboardModifiers modifiers = ModifiersOf(shift);
+  QObject* saved = bridge_->SuspendForwarding();
+  if (press) {
+    QKeyEvent down(QEvent::KeyPress, qt_key, modifiers, text);
+    QCoreApplication::sendEvent(widget, &down);
+  }
+  if (release && widget) {
+    QKeyEvent up(QEvent::KeyRelease, qt_key, modifiers, text);
+    QCoreApplication::sendEvent(widget, &up);
+  }
+  bridge_->ResumeForwarding(saved);
+}
+
+void QtToolkit::PressKey(int16_t key_code, int16_t shift) {
+  SendKey(key_code, shift, true, key_code != kKeyTab, 0);
+}
+
+void QtToolkit::KeyDownOnly(int16_t key_code, int16_t shift) {
+  if (key_code == kKeyTab) return;
+  SendKey(key_code, shift, true, false, 0);
+}
+
+void QtToolkit::KeyUpOnly(int16_t key_code, int16_t shift) {
+  SendKey(key_code, shift, false, true, 0);
+}
+
+void QtToolkit::TypeText(std::string_view utf8) {
+  size_t i = 0;
+  while (i < utf8.size()) {
+    const unsigned char c0 = static_cast<unsigned char>(utf8[i]);
+    uint32_t cp = c0;
+    size_t len = 1;
+    if (c0 >= 0xF0) {
+      len = 4;
+      cp = c0 & 0x07;
+    } else if (c0 >= 0xE0) {
+      len = 3;
+      cp = c0 & 0x0F;
+    } else if (c0 >= 0xC0) {
+      len = 2;
+      cp = c0 & 0x1F;
+    }
+    for (size_t k = 1; k < len && i + k < utf8.size(); ++k) {
+      cp = (cp << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
+    }
+    i += len;
+    if (GetFocus() == nullptr) return;
+    SendKey(0, 0, true, true, cp);
+  }
+}
+
+void QtToolkit::SendMouse(Control& control, int type, int16_t button, int16_t shift, float x,
+                          float y) {
+  const std::shared_ptr<Control> keep = control.shared_from_this();
+  if (control.Kind() == ControlKind::kMenu) return;
+  QtNode& node = Node(control);
+  QWidget* widget = node.Widget();
+  if (widget == nullptr || !node.attached_) return;
+  QWidget* receiver = widget;
+  if (auto* box = dynamic_cast<QtTextBox*>(&control)) {
+    receiver = static_cast<QWidget*>(box->MouseReceiver());
+  }
+  QPointF local(x / tppx_, y / tppy_);
+  if (receiver != widget) local = receiver->mapFrom(widget, local.toPoint());
+  const QPointF global = receiver->mapToGlobal(local);
+  const auto event_type = static_cast<QEvent::Type>(type);
+  Qt::MouseButton qt_button = QtButtonOf(button);
+  Qt::MouseButtons buttons = qt_button;
+  if (event_type == QEvent::MouseButtonRelease) buttons = Qt::NoButton;
+  if (event_type == QEvent::MouseMove) {
+    buttons = Qt::MouseButtons();
+    if (button & kLeftButton) buttons |= Qt::LeftButton;
+    if (button & kRightButton) buttons |= Qt::RightButton;
+    if (button & kMiddleButton) buttons |= Qt::MiddleButton;
+    qt_button = Qt::NoButton;
+  }
+  QMouseEvent event(event_type, local, local, global, qt_button, buttons, ModifiersOf(shift));
+  QObject* saved = bridge_->SuspendForwarding();
+  QCoreApplication::sendEvent(receiver, &event);
+  bridge_->ResumeForwarding(saved);
+}
+
+void QtToolkit::MouseDown(Control& control, int16_t button, int16_t shift, float x, float y) {
+  SendMouse(control, QEvent::MouseButtonPress, button, shift, x, y);
+}
+
+void QtToolkit::MouseUp(Control& control, int16_t button, int16_t shift, float x, float y) {
+  SendMouse(control, QEvent::MouseButtonRelease, button, shift, x, y);
+}
+
+void QtToolkit::MouseMove(Control& control, int16_t button, int16_t shift, float x, float y) {
+  SendMouse(control, QEvent::MouseMove, button, shift, x, y);
+}
+
+void QtToolkit::Click(Control& control, float x, float y) {
+  if (auto* menu = dynamic_cast<Menu*>(&control)) {
+    ClickMenu(*menu);
+    return;
+  }
+  MouseDown(control, kLeftButton, 0, x, y);
+  MouseUp(control, kLeftButton, 0, x, y);
+}
+
+void QtToolkit::RightClick(Control& control, float x, float y) {
+  MouseDown(control, kRightButton, 0, x, y);
+  MouseUp(control, kRightButton, 0, x, y);
+}
+
+void QtToolkit::DoubleClick(Control& control) {
+  Click(control);
+  SendMouse(control, QEvent::MouseButtonDblClick, kLeftButton, 0, 0, 0);
+  MouseUp(control, kLeftButton, 0, 0, 0);
+}
+
+void QtToolkit::ClickMenu(Menu& item) {
+  const std::shared_ptr<Control> keep = item.shared_from_this();
+  for (const Menu* m = &item; m != nullptr; m = m->ParentMenu()) {
+    if (!m->Enabled()) return;
+  }
+  if (!item.Visible()) return;
+  QtRaise(item, &ControlEvents::Click);
+}
+
+void QtToolkit::Repaint(Control& control) {
+  if (control.Kind() == ControlKind::kUserControl || control.Kind() == ControlKind::kForm) {
+    QtRaise(control, &ControlEvents::Paint);
+  }
+  if (QWidget* widget = WidgetOf(control)) widget->update();
+}
+
+// Dialogs.
+
+void QtToolkit::RecordDialog(DialogRecord record) {
+  dialogs_.push_back(record);
+  if (dialog_observer_) {
+    const auto observer = dialog_observer_;
+    observer(record);
+  }
+}
+
+void QtToolkit::MessageBox(const std::string& title, const std::string& text,
+                           MessageBoxStyle style) {
+  DialogRecord record;
+  record.kind = DialogRecord::Kind::kMessageBox;
+  record.title = title;
+  record.text = text;
+  record.style = style;
+  RecordDialog(std::move(record));
+  if (mode_ == DialogMode::kAnswered) return;
+  QMessageBox box(style == MessageBoxStyle::kCritical ? QMessageBox::Critical : QMessageBox::NoIcon,
+                  QString::fromStdString(title), QString::fromStdString(text), QMessageBox::Ok,
+                  active_form_ != nullptr ? active_form_->Widget() : nullptr);
+  box.exec();
+}
+
+void QtToolkit::ShowModal(Form& form_in) {
+  auto& form = dynamic_cast<QtForm&>(form_in);
+  const std::shared_ptr<Control> keep = form.shared_from_this();
+  if (form.unloaded_) {
+    throw Failure(kErrInvalidProcedureCall,
+                  "Invalid procedure call or argument: form \"" + form.name_ + "\" is unloaded");
+  }
+  QtForm* previous = active_form_;
+  const std::shared_ptr<Control> keep_previous =
+      previous != nullptr ? previous->shared_from_this() : nullptr;
+  if (!form.loaded_) {
+    form.loaded_ = true;
+    QtRaise(form, &ControlEvents::Load);
+  }
+  if (form.unloaded_) {
+    ActivateForm(previous);
+    return;
+  }
+  form.shown_ = true;
+  form.visible_ = true;
+
+  DialogRecord record;
+  record.kind = DialogRecord::Kind::kModalForm;
+  record.title = form.caption_;
+  record.name = form.name_;
+  std::vector<std::shared_ptr<Control>> boxes;
+  for (const auto& c : form.AllControls()) {
+    if (c->Kind() == ControlKind::kTextBox && c->Visible()) boxes.push_back(c);
+  }
+  std::stable_sort(boxes.begin(), boxes.end(), [](const auto& a, const auto& b) {
+    return QtNodeOf(*a)->tab_index_ < QtNodeOf(*b)->tab_index_;
+  });
+  for (size_t i = 0; i < boxes.size(); ++i) {
+    if (i > 0) record.text += "\n";
+    record.text += dynamic_cast<TextBox&>(*boxes[i]).Text();
+  }
+
+  if (mode_ == DialogMode::kInteractive) {
+    if (form.widget_) form.widget_->setWindowModality(Qt::ApplicationModal);
+    form.ShowWindow();
+    ActivateForm(&form);
+    RecordDialog(std::move(record));
+    QEventLoop loop;
+    form.modal_loop_ = &loop;
+    if (form.shown_ && !form.unloaded_) loop.exec();
+    form.modal_loop_ = nullptr;
+    if (form.widget_) form.widget_->setWindowModality(Qt::NonModal);
+  } else {
+    form.ShowWindow();
+    ActivateForm(&form);
+    RecordDialog(std::move(record));
+    // Answered OK: the default button, else the first visible, enabled button in tab order.
+    std::shared_ptr<Control> ok;
+    std::vector<std::shared_ptr<Control>> buttons;
+    for (const auto& c : form.AllControls()) {
+      if (c->Kind() == ControlKind::kCommandButton && CanTakeFocus(*c)) buttons.push_back(c);
+    }
+    std::stable_sort(buttons.begin(), buttons.end(), [](const auto& a, const auto& b) {
+      return QtNodeOf(*a)->tab_index_ < QtNodeOf(*b)->tab_index_;
+    });
+    for (const auto& b : buttons) {
+      if (dynamic_cast<QtCommandButton&>(*b).default_) ok = b;
+    }
+    if (ok == nullptr && !buttons.empty()) ok = buttons.front();
+    if (ok != nullptr) QtRaise(*ok, &ControlEvents::Click);
+  }
+  if (form.shown_) form.Hide();
+  if (previous != nullptr && !previous->unloaded_) ActivateForm(previous);
+}
+
+void QtToolkit::RunPopupMenu(Menu& menu) {
+  const std::shared_ptr<Control> keep = menu.shared_from_this();
+  DialogRecord record;
+  record.kind = DialogRecord::Kind::kPopupMenu;
+  record.title = menu.Name();
+  record.name = menu.Name();
+  bool first = true;
+  for (const auto& item : menu.Items()) {
+    if (!item->Visible()) continue;
+    if (!first) record.text += "|";
+    record.text += item->Caption();
+    first = false;
+  }
+  RecordDialog(std::move(record));
+
+  std::string chosen;
+  if (mode_ == DialogMode::kAnswered) {
+    if (!popup_answer_) return;
+    const auto answer = popup_answer_;
+    chosen = answer(menu);
+  } else {
+    // A real menu of the visible items (a caption "-" is a separator line).
+    QMenu popup;
+    std::vector<std::pair<QAction*, std::string>> actions;
+    for (const auto& item : menu.Items()) {
+      if (!item->Visible()) continue;
+      if (item->Caption() == "-") {
+        popup.addSeparator();
+        continue;
+      }
+      QAction* action = popup.addAction(QString::fromStdString(item->Caption()));
+      action->setEnabled(item->Enabled());
+      action->setCheckable(item->Checked());
+      action->setChecked(item->Checked());
+      actions.emplace_back(action, item->Name());
+    }
+    QAction* picked = popup.exec(QCursor::pos());
+    for (const auto& [action, name] : actions) {
+      if (action == picked) chosen = name;
+    }
+  }
+  if (chosen.empty()) return;
+  for (const auto& item : menu.Items()) {
+    if (item->Name() == chosen) {
+      ClickMenu(*item);
+      return;
+    }
+  }
+}
+
+// Inspection.
+
+namespace {
+const QtSurface* SurfaceOf(const Control& control) {
+  if (const auto* uc = dynamic_cast<const QtUserControl*>(&control)) return &uc->surface_;
+  if (const auto* pic = dynamic_cast<const QtPictureBox*>(&control)) return &pic->surface_;
+  throw PlatformFailure(kErrNotSupported);
+}
+}  // namespace
+
+const std::vector<DrawOp>& QtToolkit::DrawOps(const Control& control) const {
+  return SurfaceOf(control)->Ops();
+}
+
+int32_t QtToolkit::ClsCount(const Control& control) const { return SurfaceOf(control)->ClsCount(); }
+
+std::vector<Color> QtToolkit::RenderPixels(const Control& control, int32_t* width,
+                                           int32_t* height) const {
+  QWidget* widget = WidgetOf(control);
+  if (widget == nullptr) {
+    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: control \"" +
+                                                control.Name() + "\" has no window to render");
+  }
+  const QImage image = widget->grab().toImage().convertToFormat(QImage::Format_RGB32);
+  const int32_t w = image.width(), h = image.height();
+  std::vector<Color> pixels;
+  pixels.reserve(static_cast<size_t>(w) * h);
+  for (int32_t y = 0; y < h; ++y) {
+    for (int32_t x = 0; x < w; ++x) {
+      const QRgb p = image.pixel(x, y);
+      pixels.push_back(Rgb(static_cast<uint32_t>(qRed(p)), static_cast<uint32_t>(qGreen(p)),
+                           static_cast<uint32_t>(qBlue(p))));
+    }
+  }
+  if (width != nullptr) *width = w;
+  if (height != nullptr) *height = h;
+  return pixels;
+}
+
+void QtToolkit::SaveScreenshot(const Control& control, const std::string& png_path) const {
+  QWidget* widget = WidgetOf(control);
+  if (widget == nullptr) {
+    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: control \"" +
+                                                control.Name() + "\" has no window to render");
+  }
+  const QPixmap picture = widget->grab();
+  if (!picture.save(QString::fromStdString(png_path), "PNG")) {
+    throw Failure(kErrInvalidProcedureCall,
+                  "Invalid procedure call or argument: cannot write the picture of \"" +
+                      control.Name() + "\" to \"" + png_path + "\"");
+  }
+}
+
+const std::vector<std::string>& QtToolkit::NotifiedProperties(const UserControl& control) const {
+  const auto* uc = dynamic_cast<const QtUserControl*>(&control);
+  if (uc == nullptr) throw PlatformFailure(kErrNotSupported);
+  return uc->notified_;
+}
+
+void QtToolkit::ClearNotifiedProperties(UserControl& control) {
+  auto* uc = dynamic_cast<QtUserControl*>(&control);
+  if (uc == nullptr) throw PlatformFailure(kErrNotSupported);
+  uc->notified_.clear();
+}
+
+}  // namespace tarnsheets
