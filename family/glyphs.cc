@@ -52,4 +52,16 @@ const char* GlyphName(Glyph glyph) {
   return "";
 }
 
+Picture GlyphPicture(Glyph glyph) {
+  const GlyphBitmap& bitmap = ButtonGlyphPixels(glyph);
+  Picture picture;
+  picture.id = GlyphName(glyph);
+  picture.width = bitmap.width;
+  picture.height = bitmap.height;
+  picture.pixels.assign(bitmap.pixels.begin(), bitmap.pixels.end());
+  return picture;
+}
+
+GlyphPictures FamilyGlyphPictures() { return &GlyphPicture; }
+
 }  // namespace tarnsheets

@@ -7,6 +7,8 @@
 #include <span>
 
 #include "sheet/form_types.h"
+#include "tarnsheets/sheet.h"
+#include "tarnsheets/toolkit.h"
 #include "tarnsheets/types.h"
 
 namespace tarnsheets {
@@ -35,6 +37,11 @@ const GlyphBitmap& ButtonGlyphPixels(Glyph glyph);
 
 // "arrow", "dots" or "" for Glyph::kNone.
 const char* GlyphName(Glyph glyph);
+
+// A glyph as a toolkit picture named by GlyphName.
+Picture GlyphPicture(Glyph glyph);
+// The family's glyph table as a sheet takes it at creation.
+GlyphPictures FamilyGlyphPictures();
 
 }  // namespace tarnsheets
 

@@ -12,19 +12,21 @@ Sheet::Sheet(std::unique_ptr<SheetEngine> engine) : engine_(std::move(engine)) {
 Sheet::~Sheet() = default;
 
 std::unique_ptr<Sheet> Sheet::Create(Toolkit& toolkit, Container& parent, const FormTable& form,
-                                     const std::string& name) {
-  auto engine = std::make_unique<SheetEngine>(toolkit, parent, form, name);
+                                     const std::string& name, GlyphPictures glyphs) {
+  auto engine = std::make_unique<SheetEngine>(toolkit, parent, form, name, std::move(glyphs));
   engine->UserControl_InitProperties();
   return std::unique_ptr<Sheet>(new Sheet(std::move(engine)));
 }
 
 std::unique_ptr<Sheet> Sheet::Load(Toolkit& toolkit, Container& parent, const FormTable& form,
-                                   const std::string& name, const PropertyBag& bag) {
-  auto engine = std::make_unique<SheetEngine>(toolkit, parent, form, name);
+                                   const std::string& name, const PropertyBag& bag,
+                                   GlyphPictures glyphs) {
+  auto engine = std::make_unique<SheetEngine>(toolkit, parent, form, name, std::move(glyphs));
   engine->UserControl_ReadProperties(bag);
   return std::unique_ptr<Sheet>(new Sheet(std::move(engine)));
 }
 
+std::string Sheet::ClassName() const { return std::string(engine_->form().class_name); }
 UserControl& Sheet::Host() const { return engine_->Host(); }
 void Sheet::AddObserver(SheetEvents* observer) { engine_->AddObserver(observer); }
 void Sheet::RemoveObserver(SheetEvents* observer) { engine_->RemoveObserver(observer); }

@@ -30,10 +30,6 @@ namespace tarnsheets {
 
 class SheetEngine : private DataSourceEvents {
  public:
-  // Gives the picture of a drop-button glyph. The sheet family hands its glyph table in; without
-  // one the drop buttons show their (empty) captions.
-  using GlyphPictures = std::function<Picture(Glyph)>;
-
   // Builds the controls of `form` in a new user control of class `form.class_name` inside
   // `parent`, at the designed size, then runs UserControl_Initialize. The caller follows with
   // UserControl_InitProperties or UserControl_ReadProperties.

@@ -33,15 +33,7 @@ TEST_F(SheetObjectTest, FormTableBuildsEveryArrayWithTagsAndTabIndices) {
 }
 
 TEST_F(SheetObjectTest, DropButtonsCarryTheGlyphsTheFamilyHandsIn) {
-  SheetEngine engine(toolkit_, *host_form_, UserInfoForm(), "UserInfo2", [](Glyph glyph) {
-    const GlyphBitmap& bitmap = ButtonGlyphPixels(glyph);
-    Picture picture;
-    picture.id = GlyphName(glyph);
-    picture.width = bitmap.width;
-    picture.height = bitmap.height;
-    picture.pixels.assign(bitmap.pixels.begin(), bitmap.pixels.end());
-    return picture;
-  });
+  SheetEngine engine(toolkit_, *host_form_, UserInfoForm(), "UserInfo2", FamilyGlyphPictures());
   EXPECT_EQ(engine.Cmd_Value()(0).GetPicture().id, "arrow");
   EXPECT_EQ(engine.Cmd_Value()(0).GetPicture().width, 6);
   EXPECT_EQ(engine.Cmd_Value()(0).GetPicture().height, 3);

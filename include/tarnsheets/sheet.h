@@ -17,9 +17,11 @@
 #define TARNSHEETS_SHEET_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "tarnsheets/sheet_control.h"
 #include "tarnsheets/types.h"
 
 namespace tarnsheets {
@@ -34,6 +36,12 @@ class SheetEngine;
 class Toolkit;
 class UserControl;
 struct FormTable;
+struct Picture;
+enum class Glyph : uint8_t;
+
+// Gives the picture of a drop-button glyph; the sheet family hands its glyph table in
+// (FamilyGlyphPictures in family/glyphs.h). Without one the drop buttons show their empty captions.
+using GlyphPictures = std::function<Picture(Glyph)>;
 
 // A form that a host hands back through the event Text for the sheet to show after the host took
 // a field over: any object with a Show operation. MakeSheetForm adapts a toolkit form.
@@ -82,32 +90,33 @@ class SheetEvents {
   virtual void NewRecord(int32_t& User) { (void)User; }
 };
 
-class Sheet {
+class Sheet : public SheetControl {
  public:
   // Creates the sheet of `form` inside `parent` as a form designer places it: the controls of the
   // form are built, the sheet initialises itself and takes the initial properties of a new
   // instance. `name` is the control's name in its container. `form` must outlive the sheet.
   static std::unique_ptr<Sheet> Create(Toolkit& toolkit, Container& parent, const FormTable& form,
-                                       const std::string& name);
+                                       const std::string& name, GlyphPictures glyphs = nullptr);
   // The same for a stored instance: initialises, then reads its properties from `bag`. A failure
   // of the bag passes to the caller.
   static std::unique_ptr<Sheet> Load(Toolkit& toolkit, Container& parent, const FormTable& form,
-                                     const std::string& name, const PropertyBag& bag);
+                                     const std::string& name, const PropertyBag& bag,
+                                     GlyphPictures glyphs = nullptr);
 
-  ~Sheet();
+  ~Sheet() override;
   Sheet(const Sheet&) = delete;
   Sheet& operator=(const Sheet&) = delete;
 
-  // The toolkit control the sheet lives in; the host places and sizes it.
-  UserControl& Host() const;
+  // SheetControl.
+  std::string ClassName() const override;
+  UserControl& Host() const override;
 
   // Observers of the sheet's events, called in the order they were added. Adding one twice has
   // no effect. The sheet does not own them.
   void AddObserver(SheetEvents* observer);
   void RemoveObserver(SheetEvents* observer);
 
-  // Persistence: the container asks for the stored properties whenever it pleases.
-  void WriteProperties(PropertyBag& bag) const;
+  void WriteProperties(PropertyBag& bag) const override;
 
   // --- The public interface, in its order.
   // 1. Width of the host command buttons, whole twips.
