@@ -28,28 +28,19 @@ void SheetEngine::WireEvents() {
   ControlEvents& sheet = host_->Events();
   sheet.EnterFocus = [this] { UserControl_EnterFocus(); };
   sheet.ExitFocus = [this] { UserControl_ExitFocus(); };
+  for (int32_t i : Txt_Value_.Indices()) WireTextEditor(i);
+  for (int32_t i : Cmd_Value_.Indices()) WireDropButton(i);
+  if (kind_ == SheetKind::kCurrency) return;  // no ring, no pointer handling, no check editors
   sheet.MouseDown = [this](int16_t& button, int16_t& shift, float& x, float& y) {
     UserControl_MouseDown(button, shift, x, y);
   };
   Pic_TableDown_->Events().GotFocus = [this] { Pic_TableDown_GotFocus(); };
   Pic_TableUp_->Events().GotFocus = [this] { Pic_TableUp_GotFocus(); };
-  Lbl_Caption_->Events().MouseDown = [this](int16_t& button, int16_t& shift, float& x, float& y) {
-    Lbl_Caption_MouseDown(button, shift, x, y);
-  };
   for (int32_t i : Lbl_Title_.Indices()) {
     Lbl_Title_(i).Events().MouseDown = [this, i](int16_t& button, int16_t& shift, float& x,
                                                  float& y) {
       Lbl_Title_MouseDown(i, button, shift, x, y);
     };
-  }
-  for (int32_t i : Txt_Value_.Indices()) {
-    SFText& text = Txt_Value_(i);
-    ControlEvents& e = text.Host().Events();
-    e.GotFocus = [this, i] { Txt_Value_GotFocus(i); };
-    e.LostFocus = [this, i] { Txt_Value_LostFocus(i); };
-    e.Validate = [this, i](bool& cancel) { Txt_Value_Validate(i, cancel); };
-    text.Events().Change = [this, i] { Txt_Value_Change(i); };
-    text.Events().KeyPress = [this, i](int16_t& key_ascii) { Txt_Value_KeyPress(i, key_ascii); };
   }
   for (int32_t i : Chk_Value_.Indices()) {
     SFCheck& check = Chk_Value_(i);
@@ -57,9 +48,10 @@ void SheetEngine::WireEvents() {
     check.Host().Events().LostFocus = [this, i] { Chk_Value_LostFocus(i); };
     check.Events().Click = [this, i] { Chk_Value_Click(i); };
   }
-  for (int32_t i : Cmd_Value_.Indices()) {
-    Cmd_Value_(i).Events().Click = [this, i] { Cmd_Value_Click(i); };
-  }
+  if (kind_ != SheetKind::kEntity) return;  // no caption strip, record buttons, menu or commands
+  Lbl_Caption_->Events().MouseDown = [this](int16_t& button, int16_t& shift, float& x, float& y) {
+    Lbl_Caption_MouseDown(button, shift, x, y);
+  };
   for (int32_t i : UserCommand_.Indices()) WireUserCommand(UserCommand_(i), i);
   struct RecordCommand {
     CommandButton* button;
@@ -80,6 +72,25 @@ void SheetEngine::WireEvents() {
     button->Events().LostFocus = [this, button] { RecordButton_LostFocus(*button); };
     command.menu->Events().Click = [this, click] { (this->*click)(); };
   }
+}
+
+// Currency hears neither Change nor KeyPress; Appointment no KeyPress.
+void SheetEngine::WireTextEditor(int32_t index) {
+  SFText& text = Txt_Value_(index);
+  ControlEvents& e = text.Host().Events();
+  e.GotFocus = [this, index] { Txt_Value_GotFocus(index); };
+  e.LostFocus = [this, index] { Txt_Value_LostFocus(index); };
+  e.Validate = [this, index](bool& cancel) { Txt_Value_Validate(index, cancel); };
+  if (kind_ == SheetKind::kCurrency) return;
+  text.Events().Change = [this, index] { Txt_Value_Change(index); };
+  if (kind_ != SheetKind::kEntity) return;
+  text.Events().KeyPress = [this, index](int16_t& key_ascii) {
+    Txt_Value_KeyPress(index, key_ascii);
+  };
+}
+
+void SheetEngine::WireDropButton(int32_t index) {
+  Cmd_Value_(index).Events().Click = [this, index] { Cmd_Value_Click(index); };
 }
 
 void SheetEngine::UnwireEvents() {
@@ -108,7 +119,10 @@ void SheetEngine::WireUserCommand(CommandButton& button, int32_t index) {
   button.Events().Click = [this, index] { UserCommand_Click(index); };
 }
 
+// Only the entity sheets have the event; on the reduced controls every point that raises it
+// raises nothing.
 void SheetEngine::RaiseSheetStatusChange() {
+  if (kind_ != SheetKind::kEntity) return;
   RaiseEvent([](SheetEvents& host) { host.SheetStatusChange(); });
 }
 
@@ -216,7 +230,11 @@ bool SheetEngine::SaveField() { return Save_FieldValue(-1); }
 bool SheetEngine::Save() {
   try {
     if (SheetRecordset_ == nullptr) return false;
-    if (CurrentTextIndex_ >= 0 && Save_FieldValue(-1)) return true;
+    if (CurrentTextIndex_ >= 0 && Save_FieldValue(-1)) {
+      // Currency gives the focus back to the field that failed.
+      if (kind_ == SheetKind::kCurrency) EditorBox(Txt_Value_(CurrentTextIndex_)).SetFocus();
+      return true;
+    }
     return SheetRecordset_->UpdateRecord() != 0;
   } catch (const Failure& failure) {
     Report("Save", failure);
@@ -229,6 +247,13 @@ bool SheetEngine::Save() {
 
 void SheetEngine::Txt_Value_GotFocus(int32_t Index) {
   SFText& editor = Txt_Value_(Index);
+  if (kind_ != SheetKind::kEntity) {
+    // No lock rule and no event on the reduced controls.
+    CurrentTextIndex_ = Index;
+    if (kind_ == SheetKind::kAppointment) TextEditState_ = 0;
+    CurrentFieldName_ = editor.Host().Tag();
+    return;
+  }
   LockAtFocus(editor);
   CurrentTextIndex_ = Index;
   TextEditState_ = 0;
@@ -434,6 +459,11 @@ ControlStatus SheetEngine::GetControlStatus(const std::string& StatusString) {
     if (s == "Cut" || s == "Copy" || s == "Paste" || s == "Delete") {
       return status(EditorIsActive(CurrentTextIndex_));
     }
+    if (kind_ == SheetKind::kAppointment && (s == "Add New Record" || s == "Delete Record" ||
+                                             s == "Copy Record" || s == "Cancel Record")) {
+      // Appointment carries them out but does not offer them.
+      return csNotSupported;
+    }
     if (s == "Add New Record") return status(mnu_NewRecord_->Enabled());
     if (s == "Delete Record") return status(mnu_DeleteRecord_->Enabled());
     if (s == "Copy Record") return status(mnu_CopyRecord_->Enabled());
@@ -464,6 +494,11 @@ bool SheetEngine::ControlCommand(const std::string& CommandString) {
     if (s == "Copy") return TxtEdit(teCopy);
     if (s == "Paste") return TxtEdit(tePaste);
     if (s == "Delete") return TxtEdit(teDelete);
+    if (kind_ == SheetKind::kAppointment && (s == "Add New Record" || s == "Delete Record" ||
+                                             s == "Copy Record" || s == "Cancel Record")) {
+      Appointment_RecordCommand(s);
+      return false;
+    }
     if (s == "Add New Record") {
       mnu_NewRecord_Click();
       return false;

@@ -59,6 +59,13 @@ int32_t SheetEngine::EditStatusNow() const { return Require(SheetRecordset_).Edi
 void SheetEngine::InitDisplay() { DataSource_SysDataSourceInit(); }
 
 void SheetEngine::DataSource_SysDataSourceInit() {
+  if (kind_ == SheetKind::kAppointment) {
+    // No handler, no caption, no status engine, no event.
+    (void)SysSetDefaultTitles();
+    int32_t mode = 0;
+    Action(mode);
+    return;
+  }
   try {
     (void)SysSetDefaultTitles();
     const Variant caption_name = SheetTitles().CaptionName();
@@ -76,8 +83,12 @@ void SheetEngine::DataSource_SysDataSourceRefresh() {
   (void)SysSetDefaultTitles();
   int32_t mode = 0;
   Action(mode);
-  DataSource_EditStatusChange();
+  RunStatusEngine();
   RaiseSheetStatusChange();
+}
+
+void SheetEngine::RunStatusEngine() {
+  if (kind_ == SheetKind::kEntity) DataSource_EditStatusChange();
 }
 
 bool SheetEngine::SysSetDefaultTitles() {
@@ -142,6 +153,12 @@ void SheetEngine::Display_field() {
 // Display
 
 void SheetEngine::Action(int32_t& Mode) {
+  if (kind_ != SheetKind::kEntity) {
+    // Two steps, no handler: a source without fields or a sheet without titles shows nothing.
+    if (Mode == 0) Display_field();
+    Display_Value();
+    return;
+  }
   try {
     UserCommand_Place();
     if (Require(SheetRecordset_).FieldCount() < 1) {
@@ -193,11 +210,14 @@ void SheetEngine::Display_Value() {
       }
     }
   } catch (const Failure& failure) {
+    if (kind_ == SheetKind::kAppointment) throw;  // no handler there: the caller hears it
     Report("Display_Value", failure);
   }
 }
 
 bool SheetEngine::FieldEditable(DataSourceField& field) {
+  if (kind_ == SheetKind::kAppointment) return AppointmentFieldEditable(field);
+  if (kind_ == SheetKind::kCurrency) return CurrencyFieldEditable(field);
   // Every part is read, in this order, as the rule is one expression.
   DataSource& data_source = Require(SheetRecordset_);
   const bool read_only = data_source.ReadOnly();
@@ -296,7 +316,7 @@ void SheetEngine::Display_Chk_Value(const std::string& FieldName, int32_t Index)
 void SheetEngine::DataSource_SysDeleteRecordAfter() {
   int32_t mode = 0;
   Action(mode);
-  DataSource_EditStatusChange();
+  RunStatusEngine();
 }
 
 void SheetEngine::DataSource_SysMoveRecordAfter() {
@@ -327,7 +347,7 @@ void SheetEngine::DataSource_SysNewRecordAfter() {
   int32_t mode = 1;
   Action(mode);
   if (HasFocus_) Txt_Value_(0).Txt_Text(Txt_Value_(0).ActiveBox()).SetFocus();
-  DataSource_EditStatusChange();
+  RunStatusEngine();
 }
 
 void SheetEngine::DataSource_SysCopyRecordAfter() {
@@ -335,7 +355,7 @@ void SheetEngine::DataSource_SysCopyRecordAfter() {
   int32_t mode = 1;
   Action(mode);
   if (HasFocus_) Txt_Value_(0).Txt_Text(Txt_Value_(0).ActiveBox()).SetFocus();
-  DataSource_EditStatusChange();
+  RunStatusEngine();
 }
 
 void SheetEngine::DataSource_SysUndoRecordAfter() {
@@ -347,16 +367,24 @@ void SheetEngine::DataSource_SysUpdateRecordAfter() {
   if (form_.options.RedrawOnlyWhenIdle && EditStatusNow() != dsBrowse) return;
   int32_t mode = 1;
   Action(mode);
-  DataSource_EditStatusChange();
+  RunStatusEngine();
 }
 
 void SheetEngine::DataSource_ValueQueryChange() {
+  if (kind_ == SheetKind::kCurrency) {
+    Display_Value();
+    return;
+  }
   int32_t mode = 1;
   Action(mode);
 }
 
 void SheetEngine::DataSource_ValueChange(int32_t field_number) {
   if (!ColumnShown(field_number)) return;
+  if (kind_ == SheetKind::kCurrency) {
+    Display_Value();
+    return;
+  }
   int32_t mode = 1;
   Action(mode);
 }

@@ -34,15 +34,94 @@ void MoveTo(Control& control, const DesignRect& rect) {
 
 }  // namespace
 
+namespace {
+
+// The reduced forms in the entity form's terms: what the shared procedures read (class name, size,
+// colours, font, rows, sentinels, option record).
+std::unique_ptr<const FormTable> AppointmentAsForm(const AppointmentFormTable& form) {
+  auto table = std::make_unique<FormTable>();
+  table->class_name = form.class_name;
+  table->width = form.width;
+  table->height = form.height;
+  table->back_color = form.back_color;
+  table->font = form.font;
+  table->picture = Glyph::kNone;
+  table->fixed.Pic_TableStart = form.Pic_TableStart;
+  table->fixed.Pic_TableUp = form.Pic_TableUp;
+  table->fixed.Pic_TableDown = form.Pic_TableDown;
+  table->rows = form.rows;
+  // After an update the record is shown again only while nothing is pending.
+  table->options =
+      OptionRecord{/*CaptionMenu=*/false,         /*RedrawOnlyWhenIdle=*/true,
+                   /*StatusElseArm=*/false,       /*NegativeCountShows=*/false,
+                   /*CaptionSpaceFollows=*/false, /*NewRecordEvent=*/false,
+                   /*CaptionDefault=*/""};
+  return table;
+}
+
+std::unique_ptr<const FormTable> CurrencyAsForm(const CurrencyFormTable& form) {
+  auto table = std::make_unique<FormTable>();
+  table->class_name = form.class_name;
+  table->width = form.width;
+  table->height = form.height;
+  table->font = form.font;
+  table->picture = Glyph::kNone;
+  table->options = OptionRecord{false, false, false, false, false, false, ""};
+  return table;
+}
+
+}  // namespace
+
 SheetEngine::SheetEngine(Toolkit& toolkit, Container& parent, const FormTable& form,
                          const std::string& name, GlyphPictures glyph_pictures)
     : toolkit_(toolkit), form_(form) {
+  Construct(parent, name, glyph_pictures);
+}
+
+SheetEngine::SheetEngine(Toolkit& toolkit, Container& parent, const AppointmentFormTable& form,
+                         const std::string& name, GlyphPictures glyph_pictures)
+    : toolkit_(toolkit),
+      kind_(SheetKind::kAppointment),
+      own_form_(AppointmentAsForm(form)),
+      appointment_form_(&form),
+      form_(*own_form_) {
+  Construct(parent, name, glyph_pictures);
+}
+
+SheetEngine::SheetEngine(Toolkit& toolkit, Container& parent, const CurrencyFormTable& form,
+                         const std::string& name, GlyphPictures glyph_pictures)
+    : toolkit_(toolkit),
+      kind_(SheetKind::kCurrency),
+      own_form_(CurrencyAsForm(form)),
+      currency_form_(&form),
+      form_(*own_form_) {
+  Construct(parent, name, glyph_pictures);
+}
+
+void SheetEngine::Construct(Container& parent, const std::string& name,
+                            const GlyphPictures& glyph_pictures) {
   host_ = toolkit_.CreateUserControl(parent, std::string(form_.class_name), name);
-  BuildControls(glyph_pictures);
-  WireEvents();
-  UserControl_Initialize();
-  // From here on every change of size lays the sheet out.
-  host_->Events().Resize = [this] { UserControl_Resize(); };
+  switch (kind_) {
+    case SheetKind::kEntity:
+      BuildControls(glyph_pictures);
+      WireEvents();
+      UserControl_Initialize();
+      // From here on every change of size lays the sheet out.
+      host_->Events().Resize = [this] { UserControl_Resize(); };
+      break;
+    case SheetKind::kAppointment:
+      // The form keeps its designed geometry whatever size the host gives it.
+      BuildAppointment(glyph_pictures);
+      WireEvents();
+      Appointment_Initialize();
+      break;
+    case SheetKind::kCurrency:
+      // Nothing moves on a resize; the host only hears of it.
+      BuildCurrency(glyph_pictures);
+      WireEvents();
+      host_->Events().Resize = [this] { RaiseEvent([](SheetEvents& host) { host.Resize(); }); };
+      break;
+  }
 }
 
 SheetEngine::~SheetEngine() {
@@ -114,7 +193,7 @@ void SheetEngine::BuildControls(const GlyphPictures& glyph_pictures) {
   ApplyFixed(*user_command0, fixed.UserCommand0);
   UserCommand_.Add(0, user_command0);
 
-  for (const FieldRow& row : form_.rows) BuildRow(row, glyph_pictures);
+  for (const FieldRow& row : form_.rows) BuildRow(row, host, glyph_pictures);
   NumberUndesignedTabIndices();
 
   const PopupMenuSpec& menu = fixed.mnu_Menu;
@@ -145,11 +224,12 @@ void SheetEngine::NumberUndesignedTabIndices() {
       {Cmd_CopyRecord_.get(), &fixed.Cmd_CopyRecord},
       {Cmd_DeleteRecord_.get(), &fixed.Cmd_DeleteRecord},
       {Cmd_Undo_.get(), &fixed.Cmd_Undo},
-      {&UserCommand_(0), &fixed.UserCommand0},
+      {UserCommand_.Exists(0) ? &UserCommand_(0) : nullptr, &fixed.UserCommand0},
   };
   for (const auto& [control, spec] : fixed_controls) {
-    if (spec->tab_index != kNoIndex) designed.insert(control);
+    if (control != nullptr && spec->tab_index != kNoIndex) designed.insert(control);
   }
+  for (const std::shared_ptr<Frame>& frame : frames_) designed.insert(frame.get());
   for (const std::shared_ptr<SFText>& text : Txt_Value_.Elements()) designed.insert(&text->Host());
   for (const std::shared_ptr<SFCheck>& check : Chk_Value_.Elements()) {
     designed.insert(&check->Host());
@@ -169,8 +249,8 @@ void SheetEngine::NumberUndesignedTabIndices() {
   }
 }
 
-void SheetEngine::BuildRow(const FieldRow& row, const GlyphPictures& glyph_pictures) {
-  UserControl& host = *host_;
+void SheetEngine::BuildRow(const FieldRow& row, Container& host,
+                           const GlyphPictures& glyph_pictures) {
   const std::string tag(row.tag);
   if (row.has_title()) {
     std::shared_ptr<Label> label = toolkit_.CreateLabel(host, "Lbl_Title", row.title.index);
@@ -259,6 +339,21 @@ void SheetEngine::UserControl_Initialize() {
 }
 
 void SheetEngine::UserControl_InitProperties() {
+  if (kind_ == SheetKind::kCurrency) {
+    Color_Title_Text_ = kDefaultTitleTextColor;
+    Color_Background_ = kDefaultBackgroundColor;
+    EditModify_ = true;
+    return;
+  }
+  if (kind_ == SheetKind::kAppointment) {
+    Color_Title_Text_ = kDefaultTitleTextColor;
+    Color_Caption_ = kDefaultCaptionColor;
+    Color_Active_ = kDefaultCaptionColor;
+    Color_Background_ = kDefaultBackgroundColor;
+    EditModify_ = true;
+    Apply_Colors("");
+    return;
+  }
   Color_Caption_ = kDefaultCaptionColor;
   Color_Active_ = kDefaultCaptionColor;
   Color_Title_Text_ = kDefaultTitleTextColor;
@@ -278,6 +373,10 @@ void SheetEngine::UserControl_InitProperties() {
 }
 
 void SheetEngine::UserControl_ReadProperties(const PropertyBag& bag) {
+  if (kind_ != SheetKind::kEntity) {
+    ReducedReadProperties(bag);
+    return;
+  }
   // 1. The permissions, the style and the editors' border colour, without the setters.
   EditModify_ = bag.ReadBool("EditModify", true);
   EditAddNew_ = bag.ReadBool("EditAddNew", true);
@@ -340,7 +439,71 @@ void SheetEngine::UserControl_ReadProperties(const PropertyBag& bag) {
   RaiseSheetStatusChange();
 }
 
+void SheetEngine::ReducedReadProperties(const PropertyBag& bag) {
+  const Font ambient = host_->AmbientFont();
+  if (kind_ == SheetKind::kCurrency) {
+    // The fonts first, errors ignored; then the fields.
+    const std::string font_name = bag.ReadString("FontName", ambient.name);
+    const double font_size = bag.ReadDouble("FontSize", ambient.size);
+    SetFontOnAllControls([&font_name, font_size](Font& font) {
+      font.name = font_name;
+      font.size = font_size;
+    });
+    (void)bag.ReadProperty("SheetRecordset", Variant());
+    SheetRecordset_ = nullptr;
+    Color_Title_Text_ = bag.ReadColor("Color_Title_Text", kDefaultTitleTextColor);
+    Color_Background_ = bag.ReadColor("Color_Background", kDefaultBackgroundColor);
+    EditModify_ = bag.ReadBool("EditModify", true);
+    Apply_Colors("");
+    return;
+  }
+  // Appointment: the model's order without style, flags, buttons and caption strip.
+  EditModify_ = bag.ReadBool("EditModify", true);
+  Color_Active_ = bag.ReadColor("Color_Active", kDefaultCaptionColor);
+  for (const std::shared_ptr<SFText>& text : Txt_Value_.Elements()) {
+    text->SetBorderColor(Color_Active_);
+  }
+  for (const std::shared_ptr<SFCheck>& check : Chk_Value_.Elements()) {
+    check->SetBorderColor(Color_Active_);
+  }
+  const std::string font_name = bag.ReadString("FontName", ambient.name);
+  const double font_size = bag.ReadDouble("FontSize", ambient.size);
+  Label& first_title = Lbl_Title_(0);
+  Font title_font = first_title.GetFont();
+  title_font.name = font_name;
+  title_font.size = font_size;
+  first_title.SetFont(title_font);
+  SetFontOnAllControls([&font_name, font_size](Font& font) {
+    font.name = font_name;
+    font.size = font_size;
+  });
+  (void)bag.ReadProperty("SheetRecordset", Variant());
+  SheetRecordset_ = nullptr;
+  Color_Title_Text_ = bag.ReadColor("Color_Title_Text", kDefaultTitleTextColor);
+  Color_Caption_ = bag.ReadColor("Color_Caption", kDefaultCaptionColor);
+  Color_Background_ = bag.ReadColor("Color_Background", kDefaultBackgroundColor);
+  Apply_Colors("");
+}
+
+void SheetEngine::ReducedWriteProperties(PropertyBag& bag) const {
+  const Font title_font = Lbl_Title_(0).GetFont();
+  bag.WriteProperty("SheetRecordset", Variant(), Variant());
+  bag.WriteColor("Color_Title_Text", Color_Title_Text_, kDefaultTitleTextColor);
+  if (kind_ == SheetKind::kAppointment) {
+    bag.WriteColor("Color_Caption", Color_Caption_, kDefaultCaptionColor);
+    bag.WriteColor("Color_Active", Color_Active_, kDefaultCaptionColor);
+  }
+  bag.WriteColor("Color_Background", Color_Background_, kDefaultBackgroundColor);
+  bag.WriteProperty("FontName", Variant(title_font.name), Variant(kDefaultFontName));
+  bag.WriteProperty("FontSize", Variant(title_font.size), Variant(kDefaultFontSize));
+  bag.WriteProperty("EditModify", Variant(EditModify_), Variant(true));
+}
+
 void SheetEngine::UserControl_WriteProperties(PropertyBag& bag) const {
+  if (kind_ != SheetKind::kEntity) {
+    ReducedWriteProperties(bag);
+    return;
+  }
   // The data source is an object that a bag of values cannot hold: written as nothing.
   bag.WriteProperty("SheetRecordset", Variant(), Variant());
   // Written, never read: a reloaded sheet keeps its designed caption and caption font.
@@ -442,6 +605,7 @@ void SheetEngine::SetEditDelete(bool v) {
 void SheetEngine::SetEditModify(bool v) {
   EditModify_ = v;
   Notify("EditModify");
+  if (kind_ != SheetKind::kEntity) return;  // no buttons, no menu
   // Setting it False disables nothing by itself; only the Undo rule may.
   if (v) {
     mnu_Undo_->SetEnabled(true);
@@ -518,8 +682,8 @@ void SheetEngine::SetSheetRecordset(DataSource* data_source) {
   SheetRecordset_ = data_source;
   if (DataSource_ != nullptr && DataSource_ != data_source) DataSource_->RemoveListener(this);
   DataSource_ = data_source;
-  if (data_source != nullptr) {
-    data_source->AddListener(this);
+  if (data_source != nullptr) data_source->AddListener(this);
+  if (data_source != nullptr && kind_ == SheetKind::kEntity) {
     // The only place where the permissions reach the data source.
     data_source->SetAllowAddNew(EditAddNew_);
     data_source->SetAllowCopy(EditCopy_);
@@ -558,6 +722,22 @@ void SheetEngine::SetColor_Background(Color color) {
 }
 
 void SheetEngine::Apply_Colors(const std::string& property_name) {
+  if (kind_ != SheetKind::kEntity) {
+    // No caption strip: Color_Caption has no arm. Appointment colours its frames with the sheet.
+    if (property_name == "Color_Title_Text") {
+      for (const std::shared_ptr<Label>& label : Lbl_Title_.Elements()) {
+        label->SetForeColor(Color_Title_Text_);
+      }
+    } else if (property_name == "Color_Background") {
+      host_->SetBackColor(Color_Background_);
+      for (const std::shared_ptr<Frame>& frame : frames_) frame->SetBackColor(Color_Background_);
+    } else if (property_name.empty()) {
+      Apply_Colors("Color_Title_Text");
+      if (kind_ == SheetKind::kAppointment) Apply_Colors("Color_Caption");
+      Apply_Colors("Color_Background");
+    }
+    return;
+  }
   if (property_name == "Color_Title_Text") {
     for (const std::shared_ptr<Label>& label : Lbl_Title_.Elements()) {
       label->SetForeColor(Color_Title_Text_);

@@ -28,6 +28,12 @@
 
 namespace tarnsheets {
 
+// Which public control an engine is. The entity sheets are the engine in full; `Appointment` is
+// the same engine with the caption strip, the record buttons, the menu, the host commands, the
+// status engine and the layout taken out; `Currency` keeps only a list of rows that it builds from
+// its titles, with the model's saving and display of values.
+enum class SheetKind { kEntity, kAppointment, kCurrency };
+
 class SheetEngine : private DataSourceEvents {
  public:
   // Builds the controls of `form` in a new user control of class `form.class_name` inside
@@ -35,12 +41,19 @@ class SheetEngine : private DataSourceEvents {
   // UserControl_InitProperties or UserControl_ReadProperties.
   SheetEngine(Toolkit& toolkit, Container& parent, const FormTable& form, const std::string& name,
               GlyphPictures glyph_pictures = nullptr);
+  // The reduced controls: `Appointment` from its form with three frames, `Currency` from its three
+  // hidden patterns.
+  SheetEngine(Toolkit& toolkit, Container& parent, const AppointmentFormTable& form,
+              const std::string& name, GlyphPictures glyph_pictures = nullptr);
+  SheetEngine(Toolkit& toolkit, Container& parent, const CurrencyFormTable& form,
+              const std::string& name, GlyphPictures glyph_pictures = nullptr);
   ~SheetEngine() override;
   SheetEngine(const SheetEngine&) = delete;
   SheetEngine& operator=(const SheetEngine&) = delete;
 
   Toolkit& toolkit() const { return toolkit_; }
   const FormTable& form() const { return form_; }
+  SheetKind kind() const { return kind_; }
   UserControl& Host() const { return *host_; }
 
   void AddObserver(SheetEvents* observer);
@@ -87,6 +100,9 @@ class SheetEngine : private DataSourceEvents {
   Color Color_Background() const { return Color_Background_; }
   void SetColor_Background(Color color);
   void InitDisplay();
+  // Currency's InitDisplay: unloads the rows and builds them again from the titles. True when an
+  // error was reported.
+  bool Currency_InitDisplay();
   bool SysSetDefaultTitles();
   bool Save();
   bool SaveField();
@@ -179,6 +195,9 @@ class SheetEngine : private DataSourceEvents {
   const ControlArray<SFCheck>& Chk_Value() const { return Chk_Value_; }
   const ControlArray<CommandButton>& Cmd_Value() const { return Cmd_Value_; }
   const ControlArray<CommandButton>& UserCommand() const { return UserCommand_; }
+  // Appointment's frames and images; empty on the other kinds.
+  const std::vector<std::shared_ptr<Frame>>& Frames() const { return frames_; }
+  const ControlArray<Image>& Image1() const { return Image1_; }
   CommandButton& Cmd_NewRecord() const { return *Cmd_NewRecord_; }
   CommandButton& Cmd_DeleteRecord() const { return *Cmd_DeleteRecord_; }
   CommandButton& Cmd_CopyRecord() const { return *Cmd_CopyRecord_; }
@@ -232,8 +251,23 @@ class SheetEngine : private DataSourceEvents {
   void RaiseEvent(Fn&& fn);
 
   // Building from the form table.
+  void Construct(Container& parent, const std::string& name, const GlyphPictures& glyph_pictures);
   void BuildControls(const GlyphPictures& glyph_pictures);
-  void BuildRow(const FieldRow& row, const GlyphPictures& glyph_pictures);
+  void BuildAppointment(const GlyphPictures& glyph_pictures);
+  void BuildCurrency(const GlyphPictures& glyph_pictures);
+  void BuildRow(const FieldRow& row, Container& parent, const GlyphPictures& glyph_pictures);
+  void Appointment_Initialize();
+  void ReducedReadProperties(const PropertyBag& bag);
+  void ReducedWriteProperties(PropertyBag& bag) const;
+  void WireTextEditor(int32_t index);
+  void WireDropButton(int32_t index);
+  // The status engine runs after the signals only on the entity sheets.
+  void RunStatusEngine();
+  // The editable rules of the reduced controls.
+  bool AppointmentFieldEditable(DataSourceField& field);
+  bool CurrencyFieldEditable(DataSourceField& field);
+  // Appointment's record commands, reached only through ControlCommand.
+  void Appointment_RecordCommand(const std::string& command);
   void NumberUndesignedTabIndices();
 
   // Shows the record buttons for Style 0 and 1; any other value leaves the form as it is.
@@ -250,30 +284,73 @@ class SheetEngine : private DataSourceEvents {
   bool ColumnShown(int32_t field_number);
   int32_t EditStatusNow() const;
 
-  // DataSourceEvents.
-  void SysDataSourceInit() override { DataSource_SysDataSourceInit(); }
-  void SysDataSourceRefresh() override { DataSource_SysDataSourceRefresh(); }
-  void EditStatusChange() override { DataSource_EditStatusChange(); }
-  void SysMoveRecordAfter() override { DataSource_SysMoveRecordAfter(); }
-  void SysNewQueryAfter() override { DataSource_SysNewQueryAfter(); }
-  void SysRefineQueryAfter() override { DataSource_SysRefineQueryAfter(); }
-  void SysCancelQueryAfter() override { DataSource_SysCancelQueryAfter(); }
-  void SysNewRecordAfter() override { DataSource_SysNewRecordAfter(); }
-  void SysCopyRecordAfter() override { DataSource_SysCopyRecordAfter(); }
-  void SysDeleteRecordAfter() override { DataSource_SysDeleteRecordAfter(); }
-  void SysUndoRecordAfter() override { DataSource_SysUndoRecordAfter(); }
-  void SysUpdateRecordAfter() override { DataSource_SysUpdateRecordAfter(); }
+  // DataSourceEvents. Currency follows the data source only in its values; Appointment has no
+  // status engine.
+  bool Hears() const { return kind_ != SheetKind::kCurrency; }
+  void SysDataSourceInit() override {
+    if (Hears()) DataSource_SysDataSourceInit();
+  }
+  void SysDataSourceRefresh() override {
+    if (Hears()) DataSource_SysDataSourceRefresh();
+  }
+  void EditStatusChange() override {
+    if (kind_ == SheetKind::kEntity) DataSource_EditStatusChange();
+  }
+  void SysMoveRecordAfter() override {
+    if (Hears()) DataSource_SysMoveRecordAfter();
+  }
+  void SysNewQueryAfter() override {
+    if (Hears()) DataSource_SysNewQueryAfter();
+  }
+  void SysRefineQueryAfter() override {
+    if (Hears()) DataSource_SysRefineQueryAfter();
+  }
+  void SysCancelQueryAfter() override {
+    if (Hears()) DataSource_SysCancelQueryAfter();
+  }
+  void SysNewRecordAfter() override {
+    if (Hears()) DataSource_SysNewRecordAfter();
+  }
+  void SysCopyRecordAfter() override {
+    if (Hears()) DataSource_SysCopyRecordAfter();
+  }
+  void SysDeleteRecordAfter() override {
+    if (Hears()) DataSource_SysDeleteRecordAfter();
+  }
+  void SysUndoRecordAfter() override {
+    if (Hears()) DataSource_SysUndoRecordAfter();
+  }
+  void SysUpdateRecordAfter() override {
+    if (Hears()) DataSource_SysUpdateRecordAfter();
+  }
   void ValueChange(const Variant& unused, int32_t field_number) override;
   void SymbolChange(const Variant& unused, int32_t field_number) override;
   void ValueQueryChange(const std::string& text) override;
-  void ChangeSelectRows() override { DataSource_ChangeSelectRows(); }
-  void MoveRecordBefore(bool& cancel) override { DataSource_MoveRecordBefore(cancel); }
-  void NewQueryBefore(bool& cancel) override { DataSource_NewQueryBefore(cancel); }
-  void RefineQueryBefore(bool& cancel) override { DataSource_RefineQueryBefore(cancel); }
-  void ExecuteQueryBefore(bool& cancel) override { DataSource_ExecuteQueryBefore(cancel); }
-  void CancelQueryBefore(bool& cancel) override { DataSource_CancelQueryBefore(cancel); }
+  void ChangeSelectRows() override {
+    if (kind_ == SheetKind::kEntity) DataSource_ChangeSelectRows();
+  }
+  void MoveRecordBefore(bool& cancel) override {
+    if (Hears()) DataSource_MoveRecordBefore(cancel);
+  }
+  void NewQueryBefore(bool& cancel) override {
+    if (Hears()) DataSource_NewQueryBefore(cancel);
+  }
+  void RefineQueryBefore(bool& cancel) override {
+    if (Hears()) DataSource_RefineQueryBefore(cancel);
+  }
+  void ExecuteQueryBefore(bool& cancel) override {
+    if (Hears()) DataSource_ExecuteQueryBefore(cancel);
+  }
+  void CancelQueryBefore(bool& cancel) override {
+    if (Hears()) DataSource_CancelQueryBefore(cancel);
+  }
 
   Toolkit& toolkit_;
+  SheetKind kind_ = SheetKind::kEntity;
+  // The form of a reduced control in the entity form's terms; form_ refers to it.
+  std::unique_ptr<const FormTable> own_form_;
+  const AppointmentFormTable* appointment_form_ = nullptr;
+  const CurrencyFormTable* currency_form_ = nullptr;
   const FormTable& form_;
   std::shared_ptr<UserControl> host_;
 
@@ -288,6 +365,8 @@ class SheetEngine : private DataSourceEvents {
   std::shared_ptr<Shape> Shp_Caption_;
   std::shared_ptr<PictureBox> Pic_TableStart_, Pic_TableUp_, Pic_TableDown_;
   std::shared_ptr<Menu> mnu_Menu_, mnu_NewRecord_, mnu_DeleteRecord_, mnu_CopyRecord_, mnu_Undo_;
+  std::vector<std::shared_ptr<Frame>> frames_;
+  ControlArray<Image> Image1_;
 
   // The sheet's fields; changed by the setters, the lifecycle and the handlers.
   Color Color_Title_Text_ = 0;

@@ -181,6 +181,11 @@ void SheetEngine::Pic_TableUp_GotFocus() {
 
 void SheetEngine::UserControl_EnterFocus() {
   HasFocus_ = true;
+  if (kind_ != SheetKind::kEntity) {
+    // No caption strip to colour.
+    RaiseEvent([](SheetEvents& host) { host.EnterFocus(); });
+    return;
+  }
   Lbl_Caption_->SetBackColor(Color_Caption_);
   Lbl_CaptionSpace_->SetBackColor(Lbl_Caption_->BackColor());
   Shp_Caption_->SetBorderColor(Color_Caption_);
@@ -197,6 +202,7 @@ void SheetEngine::UserControl_ExitFocus() {
     return;
   }
   HasFocus_ = false;
+  if (kind_ != SheetKind::kEntity) return;
   Lbl_Caption_->SetBackColor(kSysActiveBorder);
   Lbl_CaptionSpace_->SetBackColor(Lbl_Caption_->BackColor());
   Shp_Caption_->SetBorderColor(kSysActiveBorder);
@@ -222,7 +228,8 @@ void SheetEngine::Lbl_Caption_MouseDown(int16_t Button, int16_t Shift, float X, 
 void SheetEngine::UserControl_MouseDown(int16_t Button, int16_t Shift, float X, float Y) {
   (void)Shift, (void)X, (void)Y;
   FocusCurrentField();
-  if (Button == kRightButton) Show_PopupMenu();
+  // Without a menu the right button means nothing more.
+  if (Button == kRightButton && mnu_Menu_) Show_PopupMenu();
 }
 
 void SheetEngine::FocusCurrentField() {

@@ -88,6 +88,8 @@ class SheetEvents {
   // 7. A new record is about to start (raised by the sheets whose option record asks for it);
   // User set to anything but 0 keeps the data source from starting it.
   virtual void NewRecord(int32_t& User) { (void)User; }
+  // 8. Currency only: the control's size changed.
+  virtual void Resize() {}
 };
 
 class Sheet : public SheetControl {
