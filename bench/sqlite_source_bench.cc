@@ -1,0 +1,220 @@
+// Cost of the SQLite data source on the Opportunity table of the sample database, at 10,000 and
+// 1,000,000 rows, next to the raw floor: the same reads and writes through SQLite's C API with
+// prepared statements on a connection with the same settings (WAL, synchronous NORMAL).
+//
+//   Open          create the source and open it: first record and exact RecordCount
+//   MoveNext      10,000 moves from the first record (each reads one row through the index)
+//   MoveLast      MoveFirst then MoveLast
+//   StoreEdit     SetFieldValue of one text field plus UpdateRecord (one transaction)
+//   Raw...        the floor of each
+//
+// The database is generated once per size and run into a temporary directory and removed at the
+// end. The counter max_rss_kb is the process's peak resident set so far.
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "data/sample_database.h"
+#include "datasources/sqlite/sqlite_data_source.h"
+#include "datasources/sqlite/sqlite_util.h"
+
+namespace tarnsheets {
+namespace {
+
+class Databases {
+ public:
+  ~Databases() {
+    std::error_code ignored;
+    if (!dir_.empty()) std::filesystem::remove_all(dir_, ignored);
+  }
+  // The sample database with `rows` opportunities, built on first use.
+  const std::string& Path(int64_t rows) {
+    auto it = paths_.find(rows);
+    if (it != paths_.end()) return it->second;
+    if (dir_.empty()) {
+      dir_ = std::filesystem::temp_directory_path() /
+             ("tarn_sqlite_bench_" + std::to_string(::getpid()));
+      std::filesystem::create_directories(dir_);
+    }
+    const std::string path = (dir_ / ("opportunities_" + std::to_string(rows) + ".db")).string();
+    SampleDatabaseOptions options;
+    options.opportunities = rows;
+    options.rows_per_table = 10;
+    BuildSampleDatabase(path, options);
+    return paths_.emplace(rows, path).first->second;
+  }
+
+ private:
+  std::filesystem::path dir_;
+  std::map<int64_t, std::string> paths_;
+};
+
+Databases& TheDatabases() {
+  static Databases databases;
+  return databases;
+}
+
+void ReportRss(benchmark::State& state) {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  state.counters["max_rss_kb"] = static_cast<double>(usage.ru_maxrss);
+}
+
+std::unique_ptr<SqliteDataSource> OpenSource(int64_t rows) {
+  auto ds = SqliteDataSource::Create(TheDatabases().Path(rows), "Opportunity", nullptr);
+  ds->Open();
+  return ds;
+}
+
+// A raw connection with the source's settings and the statement of the same move.
+struct Raw {
+  explicit Raw(int64_t rows) {
+    sqlite3_open_v2(TheDatabases().Path(rows).c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);
+    ExecuteSql(db, "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL", "bench");
+    int columns = 0;
+    std::string list = "rowid";
+    {
+      Statement info(db, "SELECT name FROM pragma_table_info('Opportunity')", "bench");
+      while (sqlite3_step(info.get()) == SQLITE_ROW) {
+        list += ", " +
+                QuoteIdentifier(reinterpret_cast<const char*>(sqlite3_column_text(info.get(), 0)));
+        ++columns;
+      }
+    }
+    column_count = columns + 1;
+    next = Statement(
+        db, "SELECT " + list + " FROM Opportunity WHERE rowid > ? ORDER BY rowid LIMIT 1", "bench");
+    first = Statement(db, "SELECT " + list + " FROM Opportunity ORDER BY rowid LIMIT 1", "bench");
+    last =
+        Statement(db, "SELECT " + list + " FROM Opportunity ORDER BY rowid DESC LIMIT 1", "bench");
+    update = Statement(db, "UPDATE Opportunity SET F_OPPNAME = ? WHERE rowid = ?", "bench");
+  }
+  ~Raw() {
+    next = Statement();
+    first = Statement();
+    last = Statement();
+    update = Statement();
+    sqlite3_close(db);
+  }
+  // Steps `s` and reads every column as the source does; returns the rowid (0 for none).
+  int64_t Read(sqlite3_stmt* s) {
+    int64_t rowid = 0;
+    if (sqlite3_step(s) == SQLITE_ROW) {
+      rowid = sqlite3_column_int64(s, 0);
+      for (int c = 1; c < column_count; ++c) {
+        SqlValue v = SqlValue::FromColumn(s, c);
+        benchmark::DoNotOptimize(v);
+      }
+    }
+    sqlite3_reset(s);
+    return rowid;
+  }
+  sqlite3* db = nullptr;
+  int column_count = 0;
+  Statement next, first, last, update;
+};
+
+void BM_Open(benchmark::State& state) {
+  TheDatabases().Path(state.range(0));
+  for (auto _ : state) {
+    auto ds = OpenSource(state.range(0));
+    benchmark::DoNotOptimize(ds->RecordCount());
+    if (ds->RecordCount() != state.range(0)) state.SkipWithError("wrong RecordCount");
+  }
+  ReportRss(state);
+}
+
+void BM_MoveNext(benchmark::State& state) {
+  auto ds = OpenSource(state.range(0));
+  const int64_t moves = std::min<int64_t>(10000, state.range(0) - 1);
+  for (auto _ : state) {
+    ds->MoveFirst();
+    for (int64_t i = 0; i < moves; ++i) {
+      if (ds->MoveNext()) state.SkipWithError("MoveNext failed");
+    }
+    benchmark::DoNotOptimize(ds->Fields(Variant("F_OPPNAME")).Value(0));
+  }
+  state.SetItemsProcessed(state.iterations() * moves);
+  ReportRss(state);
+}
+
+void BM_RawMoveNext(benchmark::State& state) {
+  Raw raw(state.range(0));
+  const int64_t moves = std::min<int64_t>(10000, state.range(0) - 1);
+  for (auto _ : state) {
+    int64_t rowid = raw.Read(raw.first.get());
+    for (int64_t i = 0; i < moves; ++i) {
+      sqlite3_bind_int64(raw.next.get(), 1, rowid);
+      rowid = raw.Read(raw.next.get());
+    }
+    benchmark::DoNotOptimize(rowid);
+  }
+  state.SetItemsProcessed(state.iterations() * moves);
+  ReportRss(state);
+}
+
+void BM_MoveLast(benchmark::State& state) {
+  auto ds = OpenSource(state.range(0));
+  for (auto _ : state) {
+    ds->MoveFirst();
+    ds->MoveLast();
+    if (ds->AbsolutePosition() != state.range(0)) state.SkipWithError("wrong position");
+  }
+  ReportRss(state);
+}
+
+void BM_RawMoveLast(benchmark::State& state) {
+  Raw raw(state.range(0));
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(raw.Read(raw.first.get()));
+    benchmark::DoNotOptimize(raw.Read(raw.last.get()));
+  }
+  ReportRss(state);
+}
+
+void BM_StoreEdit(benchmark::State& state) {
+  auto ds = OpenSource(state.range(0));
+  ds->MoveLast();
+  int64_t n = 0;
+  for (auto _ : state) {
+    const std::string text = "Edited " + std::to_string(n++);
+    if (ds->SetFieldValue(Variant("F_OPPNAME"), Variant(text))) state.SkipWithError("refused");
+    if (ds->UpdateRecord() != 0) state.SkipWithError("not stored");
+  }
+  ReportRss(state);
+}
+
+void BM_RawStoreEdit(benchmark::State& state) {
+  Raw raw(state.range(0));
+  const int64_t rowid = raw.Read(raw.last.get());
+  int64_t n = 0;
+  for (auto _ : state) {
+    const std::string text = "Edited " + std::to_string(n++);
+    ExecuteSql(raw.db, "BEGIN IMMEDIATE", "bench");
+    sqlite3_bind_text(raw.update.get(), 1, text.c_str(), -1, SQLITE_TRANSIENT);
+    sqlite3_bind_int64(raw.update.get(), 2, rowid);
+    if (sqlite3_step(raw.update.get()) != SQLITE_DONE) state.SkipWithError("update failed");
+    sqlite3_reset(raw.update.get());
+    ExecuteSql(raw.db, "COMMIT", "bench");
+  }
+  ReportRss(state);
+}
+
+BENCHMARK(BM_Open)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MoveNext)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RawMoveNext)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MoveLast)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RawMoveLast)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_StoreEdit)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RawStoreEdit)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace tarnsheets
+
+BENCHMARK_MAIN();

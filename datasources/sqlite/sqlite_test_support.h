@@ -1,0 +1,102 @@
+// Test helpers: a per-process directory of temporary database files, a direct connection for the
+// "other user", and the standard contract table as a SQLite database.
+#ifndef TARNSHEETS_DATASOURCES_SQLITE_SQLITE_TEST_SUPPORT_H_
+#define TARNSHEETS_DATASOURCES_SQLITE_SQLITE_TEST_SUPPORT_H_
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <atomic>
+#include <filesystem>
+#include <string>
+
+#include <unistd.h>
+
+#include "datasources/sqlite/sqlite_util.h"
+
+namespace tarnsheets {
+namespace sqlite_test {
+
+// A new file name in the process's temporary directory (removed when the tests end).
+inline std::string NewDatabasePath(const std::string& stem) {
+  static const std::filesystem::path dir = [] {
+    std::filesystem::path d =
+        std::filesystem::path(::testing::TempDir()) / ("tarn_sqlite_" + std::to_string(::getpid()));
+    std::filesystem::create_directories(d);
+    struct Remover : ::testing::Environment {
+      explicit Remover(std::filesystem::path p) : path(std::move(p)) {}
+      void TearDown() override {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+      }
+      std::filesystem::path path;
+    };
+    ::testing::AddGlobalTestEnvironment(new Remover(d));
+    return d;
+  }();
+  static std::atomic<int> counter{0};
+  return (dir / (stem + "_" + std::to_string(counter++) + ".db")).string();
+}
+
+// A connection of another user; closed on destruction.
+class Connection {
+ public:
+  explicit Connection(const std::string& path,
+                      int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI) {
+    if (sqlite3_open_v2(path.c_str(), &db_, flags, nullptr) != SQLITE_OK) {
+      ADD_FAILURE() << "cannot open " << path << ": " << sqlite3_errmsg(db_);
+    }
+    sqlite3_busy_timeout(db_, 50);
+  }
+  ~Connection() { sqlite3_close(db_); }
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  // Runs `sql`; returns SQLite's result code (SQLITE_OK on success).
+  int Run(const std::string& sql) {
+    return sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr);
+  }
+  void Exec(const std::string& sql) {
+    ASSERT_EQ(Run(sql), SQLITE_OK) << sql << ": " << sqlite3_errmsg(db_);
+  }
+  // The first column of the first row as text ("NULL" for Null, "" for no row).
+  std::string Text(const std::string& sql) {
+    Statement s(db_, sql, "test query");
+    if (sqlite3_step(s.get()) != SQLITE_ROW) return "";
+    if (sqlite3_column_type(s.get(), 0) == SQLITE_NULL) return "NULL";
+    return reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0));
+  }
+  int64_t Number(const std::string& sql) {
+    Statement s(db_, sql, "test query");
+    if (sqlite3_step(s.get()) != SQLITE_ROW) return -1;
+    return sqlite3_column_int64(s.get(), 0);
+  }
+  sqlite3* get() const { return db_; }
+
+ private:
+  sqlite3* db_ = nullptr;
+};
+
+// The standard set of the contract suite as the table "Deal", with its metadata and currencies.
+inline void MakeContractDatabase(const std::string& path) {
+  Connection c(path);
+  c.Exec(
+      "CREATE TABLE Deal (F_NAME TEXT, F_REVENUE MONEY, CURR_CODE TEXT, F_DATE DATE, "
+      "F_PROB REAL, F_FLAG BOOLEAN, F_ID INTEGER);"
+      "CREATE TABLE tarn_field_meta (table_name TEXT NOT NULL, column_name TEXT NOT NULL, "
+      "data_type INTEGER, date_kind INTEGER, number_kind INTEGER, updatable INTEGER, "
+      "reference_name TEXT, PRIMARY KEY (table_name, column_name));"
+      "INSERT INTO tarn_field_meta VALUES ('Deal', 'F_REVENUE', 4, NULL, NULL, NULL, "
+      "'CURR_CODE'), ('Deal', 'F_PROB', 5, NULL, 2, NULL, NULL), "
+      "('Deal', 'F_ID', 6, NULL, NULL, 0, NULL);"
+      "CREATE TABLE Currency (CurrencyCode TEXT PRIMARY KEY, Symbol TEXT);"
+      "INSERT INTO Currency VALUES ('USD', '$'), ('CNY', '¥');"
+      "INSERT INTO Deal VALUES ('Alpha', 100, 'USD', '2026-03-01 00:00:00', 0.45, 1, 1),"
+      "('beta', -50.5, 'CNY', '2026-04-15 00:00:00', 0.1, 0, 2),"
+      "('Gamma', 2000, 'USD', '2026-05-20 00:00:00', 0.9, NULL, 3);");
+}
+
+}  // namespace sqlite_test
+}  // namespace tarnsheets
+
+#endif  // TARNSHEETS_DATASOURCES_SQLITE_SQLITE_TEST_SUPPORT_H_
