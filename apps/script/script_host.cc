@@ -40,6 +40,7 @@ const std::map<std::string, std::set<std::string>>& EventArguments() {
       {"EnterFocus", {}},
       {"UserCommand", {}},
       {"NewRecord", {"User"}},
+      {"Resize", {}},
   };
   return *events;
 }
@@ -742,7 +743,7 @@ void ScriptHost::DoOn(const Statement& statement) {
   if (known == EventArguments().end() || t[1].has_key) {
     throw ScriptError("unknown event " + event +
                       " (Text, Button, SheetStatusChange, ExitFocus, EnterFocus, UserCommand, "
-                      "NewRecord)");
+                      "NewRecord, Resize)");
   }
   if (t[2].IsWord("clear")) {
     if (t.size() != 3) throw ScriptError("usage: on EVENT clear");
@@ -875,6 +876,11 @@ void ScriptHost::NewRecord(int32_t& User) {
   } catch (const Failure& failure) {
     SetPending(0, "on NewRecord: " + failure.Description());
   }
+}
+
+void ScriptHost::Resize() {
+  Emit("event Resize");
+  RunEventStatements("Resize");
 }
 
 // --- Reading controls.

@@ -132,6 +132,7 @@ class ScriptHost : private SheetEvents {
   void EnterFocus() override;
   void UserCommand(const std::string& Name) override;
   void NewRecord(int32_t& User) override;
+  void Resize() override;
   // Runs the `do` statements of `event`.
   void RunEventStatements(const std::string& event);
   // The answer to argument `name` of `event`, if the script gave one.
