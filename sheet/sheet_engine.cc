@@ -172,12 +172,7 @@ void SheetEngine::BuildControls(const GlyphPictures& glyph_pictures) {
   Lbl_Caption_->SetFont(fixed.Lbl_Caption.font.ToFont());
   Lbl_Caption_->SetCaption(std::string(form_.caption));
 
-  Pic_TableStart_ = toolkit_.CreatePictureBox(host, "Pic_TableStart");
-  ApplyFixed(*Pic_TableStart_, fixed.Pic_TableStart);
-  Pic_TableUp_ = toolkit_.CreatePictureBox(host, "Pic_TableUp");
-  ApplyFixed(*Pic_TableUp_, fixed.Pic_TableUp);
-  Pic_TableDown_ = toolkit_.CreatePictureBox(host, "Pic_TableDown");
-  ApplyFixed(*Pic_TableDown_, fixed.Pic_TableDown);
+  BuildSentinels(fixed.Pic_TableStart, fixed.Pic_TableUp, fixed.Pic_TableDown);
 
   Cmd_NewRecord_ = toolkit_.CreateCommandButton(host, "Cmd_NewRecord");
   ApplyFixed(*Cmd_NewRecord_, fixed.Cmd_NewRecord);
@@ -207,6 +202,16 @@ void SheetEngine::BuildControls(const GlyphPictures& glyph_pictures) {
     (*items[i])->SetCaption(std::string(item.caption));
     (*items[i])->SetEnabled(item.enabled);
   }
+}
+
+void SheetEngine::BuildSentinels(const FixedControl& start, const FixedControl& up,
+                                 const FixedControl& down) {
+  Pic_TableStart_ = toolkit_.CreatePictureBox(*host_, "Pic_TableStart");
+  ApplyFixed(*Pic_TableStart_, start);
+  Pic_TableUp_ = toolkit_.CreatePictureBox(*host_, "Pic_TableUp");
+  ApplyFixed(*Pic_TableUp_, up);
+  Pic_TableDown_ = toolkit_.CreatePictureBox(*host_, "Pic_TableDown");
+  ApplyFixed(*Pic_TableDown_, down);
 }
 
 // Tab indices are unique within a form, as the focus ring relies on. The table designs them for
@@ -575,31 +580,28 @@ void SheetEngine::UndoRule() {
   }
 }
 
-void SheetEngine::SetEditAddNew(bool v) {
-  EditAddNew_ = v;
-  Notify("EditAddNew");
-  mnu_NewRecord_->SetEnabled(v);
-  Cmd_NewRecord_->SetEnabled(v);
+// A permission's setter: stores, tells the container, opens or closes its pair at once whatever
+// the status, then the Undo rule and the status change.
+void SheetEngine::SetPermission(bool& field, bool v, const char* key, Menu& menu,
+                                CommandButton& button) {
+  field = v;
+  Notify(key);
+  menu.SetEnabled(v);
+  button.SetEnabled(v);
   UndoRule();
   RaiseSheetStatusChange();
+}
+
+void SheetEngine::SetEditAddNew(bool v) {
+  SetPermission(EditAddNew_, v, "EditAddNew", *mnu_NewRecord_, *Cmd_NewRecord_);
 }
 
 void SheetEngine::SetEditCopy(bool v) {
-  EditCopy_ = v;
-  Notify("EditCopy");
-  mnu_CopyRecord_->SetEnabled(v);
-  Cmd_CopyRecord_->SetEnabled(v);
-  UndoRule();
-  RaiseSheetStatusChange();
+  SetPermission(EditCopy_, v, "EditCopy", *mnu_CopyRecord_, *Cmd_CopyRecord_);
 }
 
 void SheetEngine::SetEditDelete(bool v) {
-  EditDelete_ = v;
-  Notify("EditDelete");
-  Cmd_DeleteRecord_->SetEnabled(v);
-  mnu_DeleteRecord_->SetEnabled(v);
-  UndoRule();
-  RaiseSheetStatusChange();
+  SetPermission(EditDelete_, v, "EditDelete", *mnu_DeleteRecord_, *Cmd_DeleteRecord_);
 }
 
 void SheetEngine::SetEditModify(bool v) {

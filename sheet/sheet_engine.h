@@ -254,6 +254,7 @@ class SheetEngine : private DataSourceEvents {
   void Construct(Container& parent, const std::string& name, const GlyphPictures& glyph_pictures);
   void BuildControls(const GlyphPictures& glyph_pictures);
   void BuildAppointment(const GlyphPictures& glyph_pictures);
+  void BuildSentinels(const FixedControl& start, const FixedControl& up, const FixedControl& down);
   void BuildCurrency(const GlyphPictures& glyph_pictures);
   void BuildRow(const FieldRow& row, Container& parent, const GlyphPictures& glyph_pictures);
   void Appointment_Initialize();
@@ -272,6 +273,7 @@ class SheetEngine : private DataSourceEvents {
 
   // Shows the record buttons for Style 0 and 1; any other value leaves the form as it is.
   void ApplyStyleVisibility();
+  void SetPermission(bool& field, bool v, const char* key, Menu& menu, CommandButton& button);
   // Disables mnu_Undo and Cmd_Undo when the host permits nothing at all.
   void UndoRule();
   // Sets a font property on every control but Lbl_Caption, passing over the controls without a

@@ -15,14 +15,6 @@ void MoveTo(Control& control, const DesignRect& rect) {
   control.Move(rect.Left, rect.Top, rect.Width, rect.Height);
 }
 
-void ApplySentinel(PictureBox& box, const FixedControl& spec) {
-  MoveTo(box, spec.rect);
-  if (spec.tab_index != kNoIndex) box.SetTabIndex(spec.tab_index);
-  box.SetTabStop(spec.tab_stop);
-  box.SetVisible(spec.visible);
-  box.SetEnabled(spec.enabled);
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------------------------------------
@@ -41,12 +33,7 @@ void SheetEngine::BuildAppointment(const GlyphPictures& glyph_pictures) {
     frame->SetTabIndex(spec.tab_index);
     frames_.push_back(frame);
   }
-  Pic_TableStart_ = toolkit_.CreatePictureBox(host, "Pic_TableStart");
-  ApplySentinel(*Pic_TableStart_, form.Pic_TableStart);
-  Pic_TableUp_ = toolkit_.CreatePictureBox(host, "Pic_TableUp");
-  ApplySentinel(*Pic_TableUp_, form.Pic_TableUp);
-  Pic_TableDown_ = toolkit_.CreatePictureBox(host, "Pic_TableDown");
-  ApplySentinel(*Pic_TableDown_, form.Pic_TableDown);
+  BuildSentinels(form.Pic_TableStart, form.Pic_TableUp, form.Pic_TableDown);
   // Below the form's lower edge; no logic reads them.
   for (const ImageSpec& spec : form.images) {
     std::shared_ptr<Image> image = toolkit_.CreateImage(host, std::string(spec.name), spec.index);
