@@ -11,7 +11,8 @@ packages=(
 # Extra packages a caller asks for (for example the Qt toolkit): scripts/install-deps.sh qt
 for extra in "$@"; do
   case "$extra" in
-    qt) packages+=(qt6-base-dev libgl1-mesa-dev fonts-noto-cjk fonts-dejavu-core) ;;
+    qt) packages+=(qt6-base-dev libqt6sql6 libqt6sql6-sqlite libgl1-mesa-dev fonts-noto-cjk
+                   fonts-dejavu-core) ;;
     *) echo "install-deps: unknown extra '$extra'" >&2; exit 2 ;;
   esac
 done
