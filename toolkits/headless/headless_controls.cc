@@ -52,29 +52,6 @@ Twips RoundTwips(double v) { return std::round(v); }
 
 }  // namespace
 
-bool KindHas(ControlKind kind, Capability capability) {
-  using K = ControlKind;
-  switch (capability) {
-    case Capability::kGeometry:
-      return kind != K::kMenu;
-    case Capability::kTabStop:
-      return kind == K::kTextBox || kind == K::kCommandButton || kind == K::kPictureBox ||
-             kind == K::kUserControl;
-    case Capability::kTabIndex:
-      return kind != K::kShape && kind != K::kImage && kind != K::kMenu && kind != K::kForm;
-    case Capability::kCaption:
-      return kind == K::kLabel || kind == K::kCommandButton || kind == K::kFrame ||
-             kind == K::kForm || kind == K::kMenu;
-    case Capability::kForeColor:
-      return kind != K::kShape && kind != K::kImage && kind != K::kMenu;
-    case Capability::kBackColor:
-      return kind != K::kImage && kind != K::kMenu;
-    case Capability::kFont:
-      return kind != K::kShape && kind != K::kImage && kind != K::kMenu;
-  }
-  return false;
-}
-
 HNode::HNode(HeadlessToolkit* toolkit, ControlKind kind, std::string class_name, std::string name,
              int32_t index)
     : toolkit_(toolkit),
@@ -106,8 +83,7 @@ HNode::~HNode() {
 
 void HNode::Detach() {
   attached_ = false;
-  got_focus_ = false;
-  entered_ = false;
+  focus_marks_ = {};
   for (auto& child : children_) {
     if (HNode* node = NodeOf(*child)) node->Detach();
   }
@@ -241,7 +217,7 @@ Control* HContainer<I>::ActiveControl() const {
     while (self != nullptr && self->Kind() != ControlKind::kForm) self = self->Parent();
     if (self == nullptr) return nullptr;
     const auto* form = dynamic_cast<const HForm*>(self);
-    focus = form != nullptr ? form->focused_.get() : nullptr;
+    focus = form != nullptr ? form->focus_.focused.get() : nullptr;
     if (focus == nullptr) return nullptr;
   }
   if (focus == this || this->toolkit_->IsChild(*this, *focus)) return focus;

@@ -8,21 +8,11 @@
 
 #include "tarnsheets/failure.h"
 #include "tarnsheets/toolkit.h"
+#include "toolkits/common/control_rules.h"
+#include "toolkits/common/focus_rules.h"
 #include "toolkits/headless/headless_toolkit.h"
 
 namespace tarnsheets {
-
-// Properties that only some kinds have; the others fail with 438.
-enum class Capability { kGeometry, kTabStop, kTabIndex, kCaption, kForeColor, kBackColor, kFont };
-bool KindHas(ControlKind kind, Capability capability);
-
-// Raises an event: the callback is copied first and the control kept alive while it runs.
-template <typename Member, typename... Args>
-void Raise(Control& control, Member member, Args&... args) {
-  const std::shared_ptr<Control> keep = control.shared_from_this();
-  const auto callback = control.Events().*member;
-  if (callback) callback(args...);
-}
 
 // The state every headless control has.
 class HNode {
@@ -72,9 +62,7 @@ class HNode {
   std::vector<std::shared_ptr<Control>> menus_;  // top-level menus of a form or user control
   int32_t next_tab_index_ = 0;
 
-  // Focus bookkeeping: GotFocus delivered without LostFocus yet; EnterFocus without ExitFocus.
-  bool got_focus_ = false;
-  bool entered_ = false;
+  FocusMarks focus_marks_;
 };
 
 HNode* NodeOf(const Control& control);
@@ -439,9 +427,8 @@ class HForm : public HContainer<Form> {
   bool loaded_ = false;
   bool shown_ = false;
   bool unloaded_ = false;
-  // The control that holds this window's focus; kept alive while it does.
-  std::shared_ptr<Control> focused_;
-  int64_t focus_generation_ = 0;
+  // The control that holds this window's focus.
+  WindowFocus focus_;
 };
 
 }  // namespace tarnsheets

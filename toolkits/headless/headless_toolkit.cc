@@ -4,60 +4,11 @@
 #include <cmath>
 
 #include "tarnsheets/failure.h"
+#include "toolkits/common/control_rules.h"
 #include "toolkits/headless/headless_controls.h"
 
 namespace tarnsheets {
 namespace {
-
-struct DefaultSize {
-  Twips width, height;
-};
-
-DefaultSize DefaultSizeOf(ControlKind kind) {
-  switch (kind) {
-    case ControlKind::kLabel:
-      return {1215, 255};
-    case ControlKind::kTextBox:
-      return {1215, 285};
-    case ControlKind::kCommandButton:
-      return {1215, 375};
-    case ControlKind::kUserControl:
-      return {2400, 1200};
-    case ControlKind::kForm:
-      return {4800, 3600};
-    case ControlKind::kMenu:
-      return {0, 0};
-    default:
-      return {1215, 615};
-  }
-}
-
-bool IsUserControl(const Control* control) {
-  return control != nullptr && control->Kind() == ControlKind::kUserControl;
-}
-
-// The user controls from `control` (itself included) up to its window, innermost first.
-std::vector<Control*> UserControlChain(Control* control) {
-  std::vector<Control*> chain;
-  for (Control* c = control; c != nullptr && c->Kind() != ControlKind::kForm; c = c->Parent()) {
-    if (IsUserControl(c)) chain.push_back(c);
-  }
-  return chain;
-}
-
-bool Contains(const std::vector<Control*>& list, const Control* control) {
-  return std::find(list.begin(), list.end(), control) != list.end();
-}
-
-// Children sorted by TabIndex, creation order among equals; menus are not children.
-std::vector<std::shared_ptr<Control>> InTabOrder(const HNode& node) {
-  std::vector<std::shared_ptr<Control>> children = node.children_;
-  std::stable_sort(children.begin(), children.end(),
-                   [](const std::shared_ptr<Control>& a, const std::shared_ptr<Control>& b) {
-                     return NodeOf(*a)->tab_index_ < NodeOf(*b)->tab_index_;
-                   });
-  return children;
-}
 
 int32_t ToPixels(Twips v, Twips per_pixel) {
   return static_cast<int32_t>(std::floor(v / per_pixel + 1e-9));
@@ -138,14 +89,11 @@ Color HeadlessToolkit::ResolveColor(Color color) const {
 }
 
 Control* HeadlessToolkit::GetFocus() const {
-  return active_form_ == nullptr ? nullptr : active_form_->focused_.get();
+  return active_form_ == nullptr ? nullptr : active_form_->focus_.focused.get();
 }
 
 bool HeadlessToolkit::IsChild(const Control& parent, const Control& child) const {
-  for (const Control* c = child.Parent(); c != nullptr; c = c->Parent()) {
-    if (c == &parent) return true;
-  }
-  return false;
+  return IsInside(parent, child);
 }
 
 Form* HeadlessToolkit::ActiveForm() const { return active_form_; }
@@ -157,24 +105,12 @@ void HeadlessToolkit::ActivateForm(HForm* form) { active_form_ = form; }
 template <typename T>
 std::shared_ptr<T> HeadlessToolkit::Adopt(Container& parent, std::shared_ptr<T> control) {
   HNode& parent_node = Node(parent);
-  if (!parent_node.IsContainer() || !parent_node.attached_) {
-    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: \"" +
-                                                parent.Name() + "\" cannot hold controls");
-  }
-  Container* owner =
-      (parent.Kind() == ControlKind::kForm || parent.Kind() == ControlKind::kUserControl)
-          ? &parent
-          : parent.Owner();
-  if (owner == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
   HNode& node = *NodeOf(*control);
-  if (owner->FindControl(node.name_, node.index_) != nullptr) {
-    throw Failure(kErrObjectAlreadyLoaded,
-                  "Object already loaded: \"" + node.name_ + "\"" +
-                      (node.index_ >= 0 ? "(" + std::to_string(node.index_) + ")" : ""));
-  }
-  HNode& owner_node = Node(*owner);
+  Container& owner = OwnerOfNewControl(parent, parent_node.IsContainer() && parent_node.attached_,
+                                       node.name_, node.index_);
+  HNode& owner_node = Node(owner);
   node.parent_ = &parent;
-  node.owner_ = owner;
+  node.owner_ = &owner;
   const DefaultSize size = DefaultSizeOf(node.kind_);
   node.width_ = size.width;
   node.height_ = size.height;
@@ -270,15 +206,7 @@ std::shared_ptr<Control> HeadlessToolkit::LoadControl(const Control& element0, i
   const HNode& t = Node(element0);
   Container* parent = element0.Parent();
   Container* owner = element0.Owner();
-  if (parent == nullptr || owner == nullptr || t.kind_ == ControlKind::kForm) {
-    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: \"" + t.name_ +
-                                                "\" is not loaded on a form");
-  }
-  if (index < 0 || index > 32767) throw PlatformFailure(kErrInvalidProcedureCall);
-  if (owner->FindControl(t.name_, index) != nullptr) {
-    throw Failure(kErrObjectAlreadyLoaded,
-                  "Object already loaded: \"" + t.name_ + "\"(" + std::to_string(index) + ")");
-  }
+  CheckNewArrayElement(element0, index);
   std::shared_ptr<Control> made;
   switch (t.kind_) {
     case ControlKind::kLabel: {
@@ -362,18 +290,7 @@ std::shared_ptr<Control> HeadlessToolkit::LoadControl(const Control& element0, i
       break;
   }
   HNode& n = Node(*made);
-  n.left_ = t.left_;
-  n.top_ = t.top_;
-  n.width_ = t.width_;
-  n.height_ = t.height_;
-  n.visible_ = false;
-  n.enabled_ = t.enabled_;
-  n.tag_ = t.tag_;
-  n.tab_stop_ = t.tab_stop_;
-  n.caption_ = t.caption_;
-  n.fore_color_ = t.fore_color_;
-  n.back_color_ = t.back_color_;
-  n.font_ = t.font_;
+  CopyElementProperties(t, &n);
   return made;
 }
 
@@ -386,30 +303,13 @@ void HeadlessToolkit::Unload(Control& control) {
     if (form.loaded_) Raise(form, &ControlEvents::Unload);
     form.Hide();
     form.unloaded_ = true;
-    form.focused_.reset();
+    form.focus_.focused.reset();
     node.Detach();
     std::erase(forms_, keep);
     return;
   }
   if (!node.attached_) return;
-  if (HForm* form = FormOf(control)) {
-    Control* focus = form->focused_.get();
-    if (focus != nullptr && (focus == &control || IsChild(control, *focus))) {
-      // The focus goes on to the next stop outside the control, without Validate.
-      std::vector<Control*> ring;
-      CollectStops(*form, focus, &ring);
-      Control* next = nullptr;
-      auto at = std::find(ring.begin(), ring.end(), focus);
-      for (size_t i = 1; at != ring.end() && i < ring.size(); ++i) {
-        Control* candidate = ring[(static_cast<size_t>(at - ring.begin()) + i) % ring.size()];
-        if (candidate != &control && !IsChild(control, *candidate)) {
-          next = candidate;
-          break;
-        }
-      }
-      MoveFocus(*form, next, false);
-    }
-  }
+  if (HForm* form = FormOf(control)) rules_.LeaveUnloading(*form, control);
   if (node.kind_ == ControlKind::kMenu) {
     auto& menu = dynamic_cast<HMenu&>(control);
     if (auto* parent_menu = dynamic_cast<HMenu*>(menu.parent_menu_)) {
@@ -426,97 +326,10 @@ void HeadlessToolkit::Unload(Control& control) {
 // Focus.
 
 bool HeadlessToolkit::CanTakeFocus(const Control& control) const {
-  const HNode& node = Node(control);
-  if (!node.attached_) return false;
-  switch (node.kind_) {
-    case ControlKind::kTextBox:
-    case ControlKind::kCommandButton:
-    case ControlKind::kPictureBox:
-    case ControlKind::kUserControl:
-      break;
-    default:
-      return false;
-  }
-  for (const Control* c = &control; c != nullptr && c->Kind() != ControlKind::kForm;
-       c = c->Parent()) {
-    if (!c->Visible() || !c->Enabled()) return false;
-  }
-  return FormOf(control) != nullptr;
+  return rules_.CanTakeFocus(control);
 }
 
-void HeadlessToolkit::CollectStops(Container& container, Control* always,
-                                   std::vector<Control*>* out) {
-  for (const auto& child : InTabOrder(Node(container))) {
-    HNode& node = Node(*child);
-    Control* c = child.get();
-    if (!node.visible_ || !node.enabled_) continue;
-    const bool inside_always = always != nullptr && (always == c || IsChild(*c, *always));
-    switch (node.kind_) {
-      case ControlKind::kTextBox:
-      case ControlKind::kCommandButton:
-        if (node.tab_stop_ || c == always) out->push_back(c);
-        break;
-      case ControlKind::kPictureBox:
-        if (node.tab_stop_ || c == always) out->push_back(c);
-        CollectStops(dynamic_cast<Container&>(*c), always, out);
-        break;
-      case ControlKind::kFrame:
-        CollectStops(dynamic_cast<Container&>(*c), always, out);
-        break;
-      case ControlKind::kUserControl: {
-        if (!node.tab_stop_ && !inside_always) break;
-        auto& uc = dynamic_cast<HUserControl&>(*c);
-        std::vector<Control*> inner;
-        CollectStops(uc, always, &inner);
-        if (!inner.empty()) {
-          out->insert(out->end(), inner.begin(), inner.end());
-        } else if (Control* first = FocusTargetOf(uc); first != nullptr) {
-          out->push_back(inside_always ? always : first);
-        }
-        break;
-      }
-      default:
-        break;
-    }
-  }
-}
-
-// Where SetFocus on `control` puts the focus: the control itself, or for a user control that
-// does not take the focus itself its first child in tab order that can take it (TabStop aside).
-Control* HeadlessToolkit::FocusTargetOf(Control& control) {
-  if (!CanTakeFocus(control)) return nullptr;
-  if (control.Kind() != ControlKind::kUserControl) return &control;
-  auto& uc = dynamic_cast<HUserControl&>(control);
-  for (const auto& child : InTabOrder(uc)) {
-    HNode& node = Node(*child);
-    if (!node.visible_ || !node.enabled_) continue;
-    if (node.kind_ == ControlKind::kFrame) {
-      // A frame passes the search on to its own children.
-      for (const auto& inner : InTabOrder(node)) {
-        if (Control* target = FocusTargetOf(*inner)) return target;
-      }
-      continue;
-    }
-    if (Control* target = FocusTargetOf(*child)) return target;
-  }
-  return uc.can_get_focus_ ? &control : nullptr;
-}
-
-Control* HeadlessToolkit::NeighbourStop(HForm& form, Control* from, bool backward) {
-  std::vector<Control*> ring;
-  CollectStops(form, from, &ring);
-  if (ring.empty()) return nullptr;
-  auto at = std::find(ring.begin(), ring.end(), from);
-  if (at == ring.end()) return backward ? ring.back() : ring.front();
-  const size_t i = static_cast<size_t>(at - ring.begin());
-  return backward ? ring[(i + ring.size() - 1) % ring.size()] : ring[(i + 1) % ring.size()];
-}
-
-std::vector<Control*> HeadlessToolkit::TabOrder(Form& form) {
-  std::vector<Control*> ring;
-  CollectStops(form, nullptr, &ring);
-  return ring;
-}
+std::vector<Control*> HeadlessToolkit::TabOrder(Form& form) { return rules_.TabOrder(form); }
 
 void HeadlessToolkit::SetFocusTo(Control& control) {
   Node(control);
@@ -526,91 +339,37 @@ void HeadlessToolkit::SetFocusTo(Control& control) {
     ActivateForm(form);
     return;
   }
-  Control* target = FocusTargetOf(control);
+  Control* target = rules_.FocusTargetOf(control);
   if (target == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
   ActivateForm(form);
-  MoveFocus(*form, target, true);
+  rules_.MoveFocus(*form, target, true);
 }
 
-bool HeadlessToolkit::MoveFocus(HForm& form, Control* target, bool validate) {
-  const std::shared_ptr<Control> keep_old = form.focused_;
-  const std::shared_ptr<Control> keep_target = target ? target->shared_from_this() : nullptr;
-  Control* old = keep_old.get();
-  if (old == target) return true;
-  const std::vector<Control*> old_chain = UserControlChain(old);
-  const std::vector<Control*> target_chain = UserControlChain(target);
-  std::vector<std::shared_ptr<Control>> left;  // innermost first
-  for (Control* uc : old_chain) {
-    if (!Contains(target_chain, uc)) left.push_back(uc->shared_from_this());
-  }
-  std::vector<std::shared_ptr<Control>> entered;  // outermost first
-  for (auto it = target_chain.rbegin(); it != target_chain.rend(); ++it) {
-    entered.push_back((*it)->shared_from_this());
-  }
-  int64_t generation = form.focus_generation_;
-  auto moved_elsewhere = [&] { return form.focus_generation_ != generation; };
+bool HeadlessToolkit::IsLoaded(const Control& control) const { return Node(control).attached_; }
 
-  if (validate && old != nullptr && Node(*old).got_focus_) {
-    bool cancel = false;
-    Raise(*old, &ControlEvents::Validate, cancel);
-    if (cancel || moved_elsewhere()) return false;
-    for (const auto& uc : left) {
-      if (uc.get() == old || !Node(*uc).got_focus_) continue;
-      cancel = false;
-      Raise(*uc, &ControlEvents::Validate, cancel);
-      if (cancel || moved_elsewhere()) return false;
-    }
-  }
+const std::vector<std::shared_ptr<Control>>& HeadlessToolkit::ChildrenOf(
+    const Control& container) const {
+  return Node(container).children_;
+}
 
-  form.focused_ = keep_target;
-  generation = ++form.focus_generation_;
+int32_t HeadlessToolkit::TabIndexOf(const Control& control) const {
+  return Node(control).tab_index_;
+}
 
-  if (old != nullptr && Node(*old).got_focus_) {
-    Node(*old).got_focus_ = false;
-    Raise(*old, &ControlEvents::LostFocus);
-    if (moved_elsewhere()) return false;
-  }
-  for (const auto& uc : left) {
-    HNode& node = Node(*uc);
-    if (!node.got_focus_) continue;
-    node.got_focus_ = false;
-    Raise(*uc, &ControlEvents::LostFocus);
-    if (moved_elsewhere()) return false;
-  }
-  for (const auto& uc : left) {
-    HNode& node = Node(*uc);
-    if (!node.entered_) continue;
-    node.entered_ = false;
-    Raise(*uc, &ControlEvents::ExitFocus);
-    if (moved_elsewhere()) return false;
-  }
-  for (const auto& uc : entered) {
-    HNode& node = Node(*uc);
-    if (node.entered_) continue;
-    node.entered_ = true;
-    Raise(*uc, &ControlEvents::EnterFocus);
-    if (moved_elsewhere()) return false;
-  }
-  for (const auto& uc : entered) {
-    HNode& node = Node(*uc);
-    if (uc.get() == target || node.got_focus_) continue;
-    node.got_focus_ = true;
-    Raise(*uc, &ControlEvents::GotFocus);
-    if (moved_elsewhere()) return false;
-  }
-  if (target != nullptr && !Node(*target).got_focus_) {
-    Node(*target).got_focus_ = true;
-    Raise(*target, &ControlEvents::GotFocus);
-    if (moved_elsewhere()) return false;
-  }
-  return true;
+bool HeadlessToolkit::TabStopOf(const Control& control) const { return Node(control).tab_stop_; }
+
+FocusMarks& HeadlessToolkit::MarksOf(const Control& control) { return Node(control).focus_marks_; }
+
+WindowFocus& HeadlessToolkit::FocusOf(Form& form) {
+  Node(form);
+  return dynamic_cast<HForm&>(form).focus_;
 }
 
 bool HeadlessToolkit::FocusOutside() {
   HForm* form = active_form_;
   if (form == nullptr) return true;
-  if (!MoveFocus(*form, nullptr, true)) return false;
-  if (active_form_ == form && form->focused_ == nullptr) active_form_ = nullptr;
+  if (!rules_.MoveFocus(*form, nullptr, true)) return false;
+  if (active_form_ == form && form->focus_.focused == nullptr) active_form_ = nullptr;
   return true;
 }
 
@@ -620,9 +379,7 @@ void HeadlessToolkit::PressKey(int16_t key_code, int16_t shift) {
   Control* focus = GetFocus();
   if (focus == nullptr) return;
   if (key_code == kKeyTab) {
-    HForm* form = active_form_;
-    Control* next = NeighbourStop(*form, focus, (shift & kShiftMask) != 0);
-    if (next != nullptr && next != focus) MoveFocus(*form, next, true);
+    rules_.Tab(*active_form_, (shift & kShiftMask) != 0);
     return;
   }
   HandleKey(*focus, key_code, shift, true);
@@ -640,9 +397,7 @@ void HeadlessToolkit::KeyUpOnly(int16_t key_code, int16_t shift) {
   const std::shared_ptr<Control> keep = focus->shared_from_this();
   int16_t code = key_code, sh = shift;
   Raise(*focus, &ControlEvents::KeyUp, code, sh);
-  if (code == kKeySpace && focus->Kind() == ControlKind::kCommandButton && focus->Enabled()) {
-    Raise(*focus, &ControlEvents::Click);
-  }
+  ClickOnSpaceRelease(*focus, code);
 }
 
 void HeadlessToolkit::HandleKey(Control& focus, int16_t key_code, int16_t shift, bool with_up) {
@@ -650,18 +405,8 @@ void HeadlessToolkit::HandleKey(Control& focus, int16_t key_code, int16_t shift,
   int16_t code = key_code, sh = shift;
   Raise(focus, &ControlEvents::KeyDown, code, sh);
   auto* box = dynamic_cast<HTextBox*>(&focus);
-  std::shared_ptr<Control> default_button;
-  if (code == kKeyReturn && !(box != nullptr && box->multi_line_)) {
-    if (HForm* form = FormOf(focus)) {
-      for (const auto& c : form->AllControls()) {
-        auto* button = dynamic_cast<HCommandButton*>(c.get());
-        if (button != nullptr && button->default_ && CanTakeFocus(*button)) {
-          default_button = c;
-          break;
-        }
-      }
-    }
-  }
+  const std::shared_ptr<Control> default_button =
+      code == kKeyReturn ? rules_.DefaultButtonFor(focus) : nullptr;
   if (default_button != nullptr) {
     Raise(*default_button, &ControlEvents::Click);
   } else if (code == kKeyBack || code == kKeyReturn || code == kKeyEscape || code == kKeySpace) {
@@ -677,34 +422,14 @@ void HeadlessToolkit::HandleKey(Control& focus, int16_t key_code, int16_t shift,
   if (with_up) {
     int16_t up = key_code, up_shift = shift;
     Raise(focus, &ControlEvents::KeyUp, up, up_shift);
-    if (up == kKeySpace && focus.Kind() == ControlKind::kCommandButton && focus.Enabled()) {
-      Raise(focus, &ControlEvents::Click);
-    }
+    ClickOnSpaceRelease(focus, up);
   }
 }
 
 void HeadlessToolkit::TypeText(std::string_view utf8) {
   size_t i = 0;
   while (i < utf8.size()) {
-    // Decode one character.
-    const unsigned char c0 = static_cast<unsigned char>(utf8[i]);
-    uint32_t cp = c0;
-    size_t len = 1;
-    if (c0 >= 0xF0) {
-      len = 4;
-      cp = c0 & 0x07;
-    } else if (c0 >= 0xE0) {
-      len = 3;
-      cp = c0 & 0x0F;
-    } else if (c0 >= 0xC0) {
-      len = 2;
-      cp = c0 & 0x1F;
-    }
-    for (size_t k = 1; k < len && i + k < utf8.size(); ++k) {
-      cp = (cp << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
-    }
-    i += len;
-
+    const uint32_t cp = NextCodePoint(utf8, &i);
     Control* focus = GetFocus();
     if (focus == nullptr) return;
     const std::shared_ptr<Control> keep = focus->shared_from_this();
@@ -725,34 +450,20 @@ void HeadlessToolkit::TypeText(std::string_view utf8) {
     if (auto* box = dynamic_cast<HTextBox*>(focus)) box->TypeCharacter(typed);
     int16_t up = code, up_shift = 0;
     Raise(*focus, &ControlEvents::KeyUp, up, up_shift);
-    if (up == kKeySpace && focus->Kind() == ControlKind::kCommandButton && focus->Enabled()) {
-      Raise(*focus, &ControlEvents::Click);
-    }
+    ClickOnSpaceRelease(*focus, up);
   }
 }
 
 void HeadlessToolkit::MouseDown(Control& control, int16_t button, int16_t shift, float x, float y) {
   const std::shared_ptr<Control> keep = control.shared_from_this();
   if (control.Kind() == ControlKind::kMenu) return;
-  for (const Control* c = &control; c != nullptr && c->Kind() != ControlKind::kForm;
-       c = c->Parent()) {
-    if (!c->Visible() || !c->Enabled()) return;
-  }
-  const auto* uc = dynamic_cast<const HUserControl*>(&control);
-  const bool focusable_uc = uc != nullptr && FocusTargetOf(control) == &control;
-  bool take = false;
-  if (button == kLeftButton) {
-    take = control.Kind() == ControlKind::kTextBox ||
-           control.Kind() == ControlKind::kCommandButton ||
-           control.Kind() == ControlKind::kPictureBox || focusable_uc;
-  } else if (button == kRightButton) {
-    take = control.Kind() == ControlKind::kTextBox || focusable_uc;
-  }
+  if (!IsUsable(control)) return;
+  const bool take = rules_.TakesFocusOnPress(control, button);
   if (take) {
     HForm* form = FormOf(control);
     if (form == nullptr) return;
     ActivateForm(form);
-    if (form->focused_.get() != &control && !MoveFocus(*form, &control, true)) return;
+    if (form->focus_.focused.get() != &control && !rules_.MoveFocus(*form, &control, true)) return;
   }
   int16_t b = button, s = shift;
   float fx = x, fy = y;
@@ -780,21 +491,18 @@ void HeadlessToolkit::Click(Control& control, float x, float y) {
     return;
   }
   HForm* form = FormOf(control);
-  const int64_t before = form != nullptr ? form->focus_generation_ : 0;
-  const Control* focus_before = form != nullptr ? form->focused_.get() : nullptr;
+  const int64_t before = form != nullptr ? form->focus_.generation : 0;
+  const Control* focus_before = form != nullptr ? form->focus_.focused.get() : nullptr;
   MouseDown(control, kLeftButton, 0, x, y);
   // A focus move that Validate refused swallows the click.
   const bool wanted_focus = control.Kind() == ControlKind::kTextBox ||
                             control.Kind() == ControlKind::kCommandButton ||
                             control.Kind() == ControlKind::kPictureBox;
   if (wanted_focus && form != nullptr && focus_before != &control &&
-      form->focus_generation_ == before) {
+      form->focus_.generation == before) {
     return;
   }
-  for (const Control* c = &control; c != nullptr && c->Kind() != ControlKind::kForm;
-       c = c->Parent()) {
-    if (!c->Visible() || !c->Enabled()) return;
-  }
+  if (!IsUsable(control)) return;
   MouseUp(control, kLeftButton, 0, x, y);
   Raise(control, &ControlEvents::Click);
 }
@@ -811,14 +519,7 @@ void HeadlessToolkit::DoubleClick(Control& control) {
   MouseUp(control, kLeftButton, 0, 0, 0);
 }
 
-void HeadlessToolkit::ClickMenu(Menu& item) {
-  const std::shared_ptr<Control> keep = item.shared_from_this();
-  for (const Menu* m = &item; m != nullptr; m = m->ParentMenu()) {
-    if (!m->Enabled()) return;
-  }
-  if (!item.Visible()) return;
-  Raise(item, &ControlEvents::Click);
-}
+void HeadlessToolkit::ClickMenu(Menu& item) { ClickMenuItem(item); }
 
 void HeadlessToolkit::Repaint(Control& control) {
   if (control.Kind() == ControlKind::kUserControl || control.Kind() == ControlKind::kForm) {
@@ -828,22 +529,11 @@ void HeadlessToolkit::Repaint(Control& control) {
 
 // Dialogs.
 
-void HeadlessToolkit::RecordDialog(DialogRecord record) {
-  dialogs_.push_back(record);
-  if (dialog_observer_) {
-    const auto observer = dialog_observer_;
-    observer(record);
-  }
-}
+void HeadlessToolkit::RecordDialog(DialogRecord record) { dialogs_.Record(std::move(record)); }
 
 void HeadlessToolkit::MessageBox(const std::string& title, const std::string& text,
                                  MessageBoxStyle style) {
-  DialogRecord record;
-  record.kind = DialogRecord::Kind::kMessageBox;
-  record.title = title;
-  record.text = text;
-  record.style = style;
-  RecordDialog(std::move(record));
+  RecordDialog(MessageBoxRecord(title, text, style));
 }
 
 void HeadlessToolkit::ShowModal(Form& form_in) {
@@ -866,36 +556,10 @@ void HeadlessToolkit::ShowModal(Form& form_in) {
   form.visible_ = true;
   ActivateForm(&form);
 
-  DialogRecord record;
-  record.kind = DialogRecord::Kind::kModalForm;
-  record.title = form.caption_;
-  record.name = form.name_;
-  std::vector<std::shared_ptr<Control>> boxes;
-  for (const auto& c : form.AllControls()) {
-    if (c->Kind() == ControlKind::kTextBox && c->Visible()) boxes.push_back(c);
-  }
-  std::stable_sort(boxes.begin(), boxes.end(), [](const auto& a, const auto& b) {
-    return NodeOf(*a)->tab_index_ < NodeOf(*b)->tab_index_;
-  });
-  for (size_t i = 0; i < boxes.size(); ++i) {
-    if (i > 0) record.text += "\n";
-    record.text += dynamic_cast<TextBox&>(*boxes[i]).Text();
-  }
-  RecordDialog(std::move(record));
+  RecordDialog(ModalFormRecord(form, rules_.TextBoxTexts(form)));
 
   // Answered OK: the default button, else the first visible, enabled button in tab order.
-  std::shared_ptr<Control> ok;
-  std::vector<std::shared_ptr<Control>> buttons;
-  for (const auto& c : form.AllControls()) {
-    if (c->Kind() == ControlKind::kCommandButton && CanTakeFocus(*c)) buttons.push_back(c);
-  }
-  std::stable_sort(buttons.begin(), buttons.end(), [](const auto& a, const auto& b) {
-    return NodeOf(*a)->tab_index_ < NodeOf(*b)->tab_index_;
-  });
-  for (const auto& b : buttons) {
-    if (dynamic_cast<HCommandButton&>(*b).default_) ok = b;
-  }
-  if (ok == nullptr && !buttons.empty()) ok = buttons.front();
+  const std::shared_ptr<Control> ok = rules_.AnswerButtonOf(form);
   if (ok != nullptr) Raise(*ok, &ControlEvents::Click);
   if (form.shown_) form.Hide();
   if (previous != nullptr && !previous->unloaded_) ActivateForm(previous);
@@ -903,28 +567,10 @@ void HeadlessToolkit::ShowModal(Form& form_in) {
 
 void HeadlessToolkit::RunPopupMenu(Menu& menu) {
   const std::shared_ptr<Control> keep = menu.shared_from_this();
-  DialogRecord record;
-  record.kind = DialogRecord::Kind::kPopupMenu;
-  record.title = menu.Name();
-  record.name = menu.Name();
-  bool first = true;
-  for (const auto& item : menu.Items()) {
-    if (!item->Visible()) continue;
-    if (!first) record.text += "|";
-    record.text += item->Caption();
-    first = false;
-  }
-  RecordDialog(std::move(record));
+  RecordDialog(PopupMenuRecord(menu));
   if (!popup_answer_) return;
   const auto answer = popup_answer_;
-  const std::string chosen = answer(menu);
-  if (chosen.empty()) return;
-  for (const auto& item : menu.Items()) {
-    if (item->Name() == chosen) {
-      ClickMenu(*item);
-      return;
-    }
-  }
+  ChoosePopupMenuItem(menu, answer(menu));
 }
 
 // Inspection.
@@ -959,24 +605,9 @@ std::vector<Color> HeadlessToolkit::RenderPixels(const Control& control, int32_t
     switch (op.kind) {
       case DrawOp::Kind::kLine: {
         // Bresenham from the first point towards the second, the second not drawn.
-        int32_t x = x1, y = y1;
         const int32_t x2 = ToPixels(op.x2, tppx_), y2 = ToPixels(op.y2, tppy_);
-        const int32_t dx = std::abs(x2 - x), sx = x < x2 ? 1 : -1;
-        const int32_t dy = -std::abs(y2 - y), sy = y < y2 ? 1 : -1;
-        int32_t err = dx + dy;
         const Color c = ResolveColor(op.color);
-        while (!(x == x2 && y == y2)) {
-          put(x, y, c);
-          const int32_t e2 = 2 * err;
-          if (e2 >= dy) {
-            err += dy;
-            x += sx;
-          }
-          if (e2 <= dx) {
-            err += dx;
-            y += sy;
-          }
-        }
+        ForEachLinePixel(x1, y1, x2, y2, [&](int32_t x, int32_t y) { put(x, y, c); });
         break;
       }
       case DrawOp::Kind::kBox: {

@@ -53,6 +53,8 @@
 #include <vector>
 
 #include "tarnsheets/toolkit.h"
+#include "toolkits/common/dialog_recorder.h"  // DialogRecord
+#include "toolkits/common/focus_rules.h"
 
 namespace tarnsheets {
 
@@ -71,19 +73,7 @@ struct DrawOp {
   std::string ToString() const;
 };
 
-// A message box, a modal form or a pop-up menu, in the order they were shown.
-struct DialogRecord {
-  enum class Kind { kMessageBox, kModalForm, kPopupMenu };
-  Kind kind = Kind::kMessageBox;
-  std::string title;  // message box title; form caption; menu name
-  // Message box text; the texts of the form's text boxes in tab order joined by "\n"; the
-  // captions of the menu's visible items joined by "|".
-  std::string text;
-  MessageBoxStyle style = MessageBoxStyle::kPlain;  // message boxes only
-  std::string name;                                 // form or menu name
-};
-
-class HeadlessToolkit : public Toolkit {
+class HeadlessToolkit : public Toolkit, private FocusHost {
  public:
   HeadlessToolkit();
   ~HeadlessToolkit() override;
@@ -168,11 +158,11 @@ class HeadlessToolkit : public Toolkit {
   void Repaint(Control& control);
 
   // Inspection.
-  const std::vector<DialogRecord>& DialogLog() const { return dialogs_; }
-  void ClearDialogLog() { dialogs_.clear(); }
+  const std::vector<DialogRecord>& DialogLog() const { return dialogs_.Records(); }
+  void ClearDialogLog() { dialogs_.Clear(); }
   // Called with each record as it is taken, before the box or form is answered.
   void SetDialogObserver(std::function<void(const DialogRecord&)> observer) {
-    dialog_observer_ = std::move(observer);
+    dialogs_.SetObserver(std::move(observer));
   }
   // Answers pop-up menus: returns the name of the item to click ("" closes the menu). Without an
   // answer a pop-up menu closes with no choice.
@@ -206,14 +196,16 @@ class HeadlessToolkit : public Toolkit {
  private:
   HNode& Node(const Control& control) const;
   HForm* FormOf(const Control& control) const;
-  // Moves the focus of `form` to `target` (nullptr: out of the window) with the events of a focus
-  // move. Returns false when a Validate cancelled or a handler moved the focus elsewhere.
-  bool MoveFocus(HForm& form, Control* target, bool validate);
-  Control* FocusTargetOf(Control& control);
-  Control* NeighbourStop(HForm& form, Control* from, bool backward);
-  void CollectStops(Container& container, Control* always, std::vector<Control*>* out);
   void HandleKey(Control& focus, int16_t key_code, int16_t shift, bool with_up);
-  void CharacterKey(Control& focus, int16_t key_ascii);
+
+  // FocusHost: what the focus rules read of the controls.
+  bool IsLoaded(const Control& control) const override;
+  const std::vector<std::shared_ptr<Control>>& ChildrenOf(const Control& container) const override;
+  int32_t TabIndexOf(const Control& control) const override;
+  bool TabStopOf(const Control& control) const override;
+  FocusMarks& MarksOf(const Control& control) override;
+  WindowFocus& FocusOf(Form& form) override;
+
   template <typename T>
   std::shared_ptr<T> Adopt(Container& parent, std::shared_ptr<T> control);
 
@@ -222,8 +214,8 @@ class HeadlessToolkit : public Toolkit {
   std::string clipboard_;
   std::vector<std::shared_ptr<Form>> forms_;
   HForm* active_form_ = nullptr;
-  std::vector<DialogRecord> dialogs_;
-  std::function<void(const DialogRecord&)> dialog_observer_;
+  DialogRecorder dialogs_;
+  FocusRules rules_{*this};
   std::function<std::string(const Menu&)> popup_answer_;
   uintptr_t last_handle_ = 0x1000;
 };

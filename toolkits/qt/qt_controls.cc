@@ -40,23 +40,9 @@ size_t ByteOffset(const std::string& text, int32_t chars) {
 
 // Decodes the character at byte `i`; `len` receives its length in bytes.
 uint32_t DecodeAt(const std::string& text, size_t i, size_t* len) {
-  const unsigned char c0 = static_cast<unsigned char>(text[i]);
-  uint32_t cp = c0;
-  size_t n = 1;
-  if (c0 >= 0xF0) {
-    n = 4;
-    cp = c0 & 0x07;
-  } else if (c0 >= 0xE0) {
-    n = 3;
-    cp = c0 & 0x0F;
-  } else if (c0 >= 0xC0) {
-    n = 2;
-    cp = c0 & 0x1F;
-  }
-  for (size_t k = 1; k < n && i + k < text.size(); ++k) {
-    cp = (cp << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
-  }
-  *len = n;
+  size_t next = i;
+  const uint32_t cp = NextCodePoint(text, &next);
+  *len = next - i;
   return cp;
 }
 
@@ -88,29 +74,6 @@ void SetRoles(QWidget* widget, QPalette::ColorRole back_role, QColor back,
 }
 
 }  // namespace
-
-bool QtKindHas(ControlKind kind, QtCapability capability) {
-  using K = ControlKind;
-  switch (capability) {
-    case QtCapability::kGeometry:
-      return kind != K::kMenu;
-    case QtCapability::kTabStop:
-      return kind == K::kTextBox || kind == K::kCommandButton || kind == K::kPictureBox ||
-             kind == K::kUserControl;
-    case QtCapability::kTabIndex:
-      return kind != K::kShape && kind != K::kImage && kind != K::kMenu && kind != K::kForm;
-    case QtCapability::kCaption:
-      return kind == K::kLabel || kind == K::kCommandButton || kind == K::kFrame ||
-             kind == K::kForm || kind == K::kMenu;
-    case QtCapability::kForeColor:
-      return kind != K::kShape && kind != K::kImage && kind != K::kMenu;
-    case QtCapability::kBackColor:
-      return kind != K::kImage && kind != K::kMenu;
-    case QtCapability::kFont:
-      return kind != K::kShape && kind != K::kImage && kind != K::kMenu;
-  }
-  return false;
-}
 
 QFont ToQFont(const Font& font) {
   QFont f(QString::fromStdString(font.name));
@@ -213,7 +176,7 @@ QtNode::QtNode(QtToolkit* toolkit, ControlKind kind, std::string class_name, std
       class_name_(std::move(class_name)),
       name_(std::move(name)),
       index_(index) {
-  tab_stop_ = QtKindHas(kind, QtCapability::kTabStop);
+  tab_stop_ = KindHas(kind, Capability::kTabStop);
   if (kind == ControlKind::kTextBox) back_color_ = kSysWindowBackground;
   if (kind == ControlKind::kShape) back_color_ = Rgb(255, 255, 255);
   if (toolkit_ != nullptr) toolkit_->Register(this);
@@ -257,8 +220,7 @@ void QtNode::SetWidget(QWidget* widget) {
 
 void QtNode::Detach() {
   attached_ = false;
-  got_focus_ = false;
-  entered_ = false;
+  focus_marks_ = {};
   for (auto& child : children_) {
     if (QtNode* node = QtNodeOf(*child)) node->Detach();
   }
@@ -274,7 +236,7 @@ void QtNode::Detach() {
 void QtNode::SizeChanged() {
   if (kind_ == ControlKind::kUserControl || kind_ == ControlKind::kPictureBox ||
       kind_ == ControlKind::kForm) {
-    QtRaise(Self(), &ControlEvents::Resize);
+    Raise(Self(), &ControlEvents::Resize);
   }
 }
 
@@ -365,23 +327,8 @@ void QtSurface::Replay(QPainter& painter) const {
       case DrawOp::Kind::kLine: {
         // One pixel wide, from the first point towards the second, the second not drawn.
         painter.setPen(ToQColor(node_->Resolve(op.color)));
-        int32_t x = x1, y = y1;
         const int32_t x2 = ToPixels(op.x2, tx), y2 = ToPixels(op.y2, ty);
-        const int32_t dx = std::abs(x2 - x), sx = x < x2 ? 1 : -1;
-        const int32_t dy = -std::abs(y2 - y), sy = y < y2 ? 1 : -1;
-        int32_t err = dx + dy;
-        while (!(x == x2 && y == y2)) {
-          painter.drawPoint(x, y);
-          const int32_t e2 = 2 * err;
-          if (e2 >= dy) {
-            err += dy;
-            x += sx;
-          }
-          if (e2 <= dx) {
-            err += dx;
-            y += sy;
-          }
-        }
+        ForEachLinePixel(x1, y1, x2, y2, [&](int32_t x, int32_t y) { painter.drawPoint(x, y); });
         break;
       }
       case DrawOp::Kind::kBox: {
@@ -441,7 +388,7 @@ Control* QtContainer<I>::ActiveControl() const {
     const Control* self = this;
     while (self != nullptr && self->Kind() != ControlKind::kForm) self = self->Parent();
     const auto* form = dynamic_cast<const QtForm*>(self);
-    focus = form != nullptr ? form->focused_.get() : nullptr;
+    focus = form != nullptr ? form->focus_.focused.get() : nullptr;
     if (focus == nullptr) return nullptr;
   }
   if (focus == this || this->toolkit_->IsChild(*this, *focus)) return focus;
@@ -591,7 +538,7 @@ void QtTextBox::SetText(const std::string& v) {
   can_undo_ = false;
   typing_run_ = false;
   ShowText(0, 0);
-  QtRaise(*this, &ControlEvents::Change);
+  Raise(*this, &ControlEvents::Change);
 }
 
 int32_t QtTextBox::SelStart() const {
@@ -645,7 +592,7 @@ void QtTextBox::ReplaceSelection(const std::string& text) {
   undo_sel_start_ = start;
   undo_sel_length_ = length;
   can_undo_ = true;
-  QtRaise(*this, &ControlEvents::Change);
+  Raise(*this, &ControlEvents::Change);
 }
 
 void QtTextBox::BeforeUserEdit(bool typing) {
@@ -667,7 +614,7 @@ void QtTextBox::WidgetTextChanged() {
   typing_run_ = typing_now_;
   can_undo_ = true;
   text_ = now;
-  QtRaise(*this, &ControlEvents::Change);
+  Raise(*this, &ControlEvents::Change);
 }
 
 void QtTextBox::SetLocked(bool v) {
@@ -755,7 +702,7 @@ void QtTextBox::Undo() {
   undo_sel_start_ = now_start;
   undo_sel_length_ = now_length;
   typing_run_ = false;
-  if (text_ != undo_text_) QtRaise(*this, &ControlEvents::Change);
+  if (text_ != undo_text_) Raise(*this, &ControlEvents::Change);
 }
 
 void QtTextBox::SetAccessibleText(const std::string& name, const std::string& description) {
@@ -1100,7 +1047,7 @@ void QtForm::Show() {
   const std::shared_ptr<Control> keep = shared_from_this();
   if (!loaded_) {
     loaded_ = true;
-    QtRaise(*this, &ControlEvents::Load);
+    Raise(*this, &ControlEvents::Load);
     if (unloaded_) return;
   }
   shown_ = true;

@@ -22,21 +22,11 @@
 
 #include "tarnsheets/failure.h"
 #include "tarnsheets/toolkit.h"
+#include "toolkits/common/control_rules.h"
+#include "toolkits/common/focus_rules.h"
 #include "toolkits/qt/qt_toolkit.h"
 
 namespace tarnsheets {
-
-// Properties that only some kinds have; the others fail with 438.
-enum class QtCapability { kGeometry, kTabStop, kTabIndex, kCaption, kForeColor, kBackColor, kFont };
-bool QtKindHas(ControlKind kind, QtCapability capability);
-
-// Raises an event: the callback is copied first and the control kept alive while it runs.
-template <typename Member, typename... Args>
-void QtRaise(Control& control, Member member, Args&... args) {
-  const std::shared_ptr<Control> keep = control.shared_from_this();
-  const auto callback = control.Events().*member;
-  if (callback) callback(args...);
-}
 
 QFont ToQFont(const Font& font);
 QImage ToQImage(const Picture& picture);
@@ -95,8 +85,8 @@ class QtNode {
     return kind_ == ControlKind::kPictureBox || kind_ == ControlKind::kFrame ||
            kind_ == ControlKind::kUserControl || kind_ == ControlKind::kForm;
   }
-  void Require(QtCapability capability) const {
-    if (!QtKindHas(kind_, capability)) throw PlatformFailure(kErrNotSupported);
+  void Require(Capability capability) const {
+    if (!KindHas(kind_, capability)) throw PlatformFailure(kErrNotSupported);
   }
   QWidget* Widget() const { return widget_.data(); }
   // Takes `widget` as this control's view (nullptr for menus): focus policy, event bridge.
@@ -117,7 +107,7 @@ class QtNode {
     if (widget_) widget_->update();
   }
   virtual void ApplyFont() {
-    if (widget_ && QtKindHas(kind_, QtCapability::kFont)) widget_->setFont(ToQFont(font_));
+    if (widget_ && KindHas(kind_, Capability::kFont)) widget_->setFont(ToQFont(font_));
   }
   virtual void ApplyCaption() {}
   virtual void ApplyVisible();
@@ -159,9 +149,7 @@ class QtNode {
   std::vector<std::shared_ptr<Control>> menus_;
   int32_t next_tab_index_ = 0;
 
-  // Focus bookkeeping: GotFocus delivered without LostFocus yet; EnterFocus without ExitFocus.
-  bool got_focus_ = false;
-  bool entered_ = false;
+  FocusMarks focus_marks_;
 };
 
 QtNode* QtNodeOf(const Control& control);
@@ -214,56 +202,56 @@ class QtControl : public I, public QtNode {
   const std::string& Tag() const override { return tag_; }
   void SetTag(const std::string& v) override { tag_ = v; }
   bool TabStop() const override {
-    Require(QtCapability::kTabStop);
+    Require(Capability::kTabStop);
     return tab_stop_;
   }
   void SetTabStop(bool v) override {
-    Require(QtCapability::kTabStop);
+    Require(Capability::kTabStop);
     tab_stop_ = v;
   }
   int32_t TabIndex() const override {
-    Require(QtCapability::kTabIndex);
+    Require(Capability::kTabIndex);
     return tab_index_;
   }
   void SetTabIndex(int32_t v) override {
-    Require(QtCapability::kTabIndex);
+    Require(Capability::kTabIndex);
     if (v < 0 || v > 32767) throw PlatformFailure(kErrInvalidProcedureCall);
     tab_index_ = v;
   }
   std::string Caption() const override {
-    Require(QtCapability::kCaption);
+    Require(Capability::kCaption);
     return caption_;
   }
   void SetCaption(const std::string& v) override {
-    Require(QtCapability::kCaption);
+    Require(Capability::kCaption);
     caption_ = v;
     ApplyCaption();
   }
   Color ForeColor() const override {
-    Require(QtCapability::kForeColor);
+    Require(Capability::kForeColor);
     return fore_color_;
   }
   void SetForeColor(Color v) override {
-    Require(QtCapability::kForeColor);
+    Require(Capability::kForeColor);
     fore_color_ = v;
     ApplyColors();
   }
   Color BackColor() const override {
-    Require(QtCapability::kBackColor);
+    Require(Capability::kBackColor);
     return back_color_;
   }
   void SetBackColor(Color v) override {
-    Require(QtCapability::kBackColor);
+    Require(Capability::kBackColor);
     back_color_ = v;
     BackColorChanged();
     ApplyColors();
   }
   Font GetFont() const override {
-    Require(QtCapability::kFont);
+    Require(Capability::kFont);
     return font_;
   }
   void SetFont(const Font& v) override {
-    Require(QtCapability::kFont);
+    Require(Capability::kFont);
     font_ = v;
     ApplyFont();
   }
@@ -289,7 +277,7 @@ class QtControl : public I, public QtNode {
  protected:
   void DoMove(Twips left, std::optional<Twips> top, std::optional<Twips> width,
               std::optional<Twips> height) override {
-    Require(QtCapability::kGeometry);
+    Require(Capability::kGeometry);
     const Twips w = width.value_or(width_), h = height.value_or(height_);
     if (w < 0 || h < 0) throw PlatformFailure(kErrInvalidProcedureCall);
     const bool resized = w != width_ || h != height_;
@@ -304,7 +292,7 @@ class QtControl : public I, public QtNode {
 
  private:
   Twips Geometry(Twips v) const {
-    Require(QtCapability::kGeometry);
+    Require(Capability::kGeometry);
     return v;
   }
 };
@@ -592,9 +580,8 @@ class QtForm : public QtContainer<Form> {
   bool shown_ = false;
   bool unloaded_ = false;
   bool placed_ = false;
-  // The control that holds this window's focus; kept alive while it does.
-  std::shared_ptr<Control> focused_;
-  int64_t focus_generation_ = 0;
+  // The control that holds this window's focus.
+  WindowFocus focus_;
   // The nested loop of an interactive modal showing.
   QEventLoop* modal_loop_ = nullptr;
 };

@@ -13,65 +13,11 @@
 #include <cmath>
 
 #include "tarnsheets/failure.h"
+#include "toolkits/common/control_rules.h"
 #include "toolkits/qt/qt_controls.h"
 
 namespace tarnsheets {
 namespace {
-
-struct DefaultSize {
-  Twips width, height;
-};
-
-DefaultSize DefaultSizeOf(ControlKind kind) {
-  switch (kind) {
-    case ControlKind::kLabel:
-      return {1215, 255};
-    case ControlKind::kTextBox:
-      return {1215, 285};
-    case ControlKind::kCommandButton:
-      return {1215, 375};
-    case ControlKind::kUserControl:
-      return {2400, 1200};
-    case ControlKind::kForm:
-      return {4800, 3600};
-    case ControlKind::kMenu:
-      return {0, 0};
-    default:
-      return {1215, 615};
-  }
-}
-
-// The user controls from `control` (itself included) up to its window, innermost first.
-std::vector<Control*> UserControlChain(Control* control) {
-  std::vector<Control*> chain;
-  for (Control* c = control; c != nullptr && c->Kind() != ControlKind::kForm; c = c->Parent()) {
-    if (c->Kind() == ControlKind::kUserControl) chain.push_back(c);
-  }
-  return chain;
-}
-
-bool Contains(const std::vector<Control*>& list, const Control* control) {
-  return std::find(list.begin(), list.end(), control) != list.end();
-}
-
-// Children sorted by TabIndex, creation order among equals.
-std::vector<std::shared_ptr<Control>> InTabOrder(const QtNode& node) {
-  std::vector<std::shared_ptr<Control>> children = node.children_;
-  std::stable_sort(children.begin(), children.end(),
-                   [](const std::shared_ptr<Control>& a, const std::shared_ptr<Control>& b) {
-                     return QtNodeOf(*a)->tab_index_ < QtNodeOf(*b)->tab_index_;
-                   });
-  return children;
-}
-
-// Visible and enabled, and so is every container up to the window.
-bool Usable(const Control& control) {
-  for (const Control* c = &control; c != nullptr && c->Kind() != ControlKind::kForm;
-       c = c->Parent()) {
-    if (!c->Visible() || !c->Enabled()) return false;
-  }
-  return true;
-}
 
 // The key codes of KeyDown and KeyUp.
 int16_t KeyCodeOf(int qt_key) {
@@ -418,14 +364,11 @@ void QtToolkit::SetClipboardText(const std::string& text) {
 }
 
 Control* QtToolkit::GetFocus() const {
-  return active_form_ == nullptr ? nullptr : active_form_->focused_.get();
+  return active_form_ == nullptr ? nullptr : active_form_->focus_.focused.get();
 }
 
 bool QtToolkit::IsChild(const Control& parent, const Control& child) const {
-  for (const Control* c = child.Parent(); c != nullptr; c = c->Parent()) {
-    if (c == &parent) return true;
-  }
-  return false;
+  return IsInside(parent, child);
 }
 
 Form* QtToolkit::ActiveForm() const { return active_form_; }
@@ -443,31 +386,19 @@ void QtToolkit::ActivateForm(QtForm* form) {
 template <typename T>
 std::shared_ptr<T> QtToolkit::Adopt(Container& parent, std::shared_ptr<T> control) {
   QtNode& parent_node = Node(parent);
-  if (!parent_node.IsContainer() || !parent_node.attached_) {
-    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: \"" +
-                                                parent.Name() + "\" cannot hold controls");
-  }
-  Container* owner =
-      (parent.Kind() == ControlKind::kForm || parent.Kind() == ControlKind::kUserControl)
-          ? &parent
-          : parent.Owner();
-  if (owner == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
   QtNode& node = *QtNodeOf(*control);
-  if (owner->FindControl(node.name_, node.index_) != nullptr) {
-    throw Failure(kErrObjectAlreadyLoaded,
-                  "Object already loaded: \"" + node.name_ + "\"" +
-                      (node.index_ >= 0 ? "(" + std::to_string(node.index_) + ")" : ""));
-  }
-  QtNode& owner_node = Node(*owner);
+  Container& owner = OwnerOfNewControl(parent, parent_node.IsContainer() && parent_node.attached_,
+                                       node.name_, node.index_);
+  QtNode& owner_node = Node(owner);
   node.parent_ = &parent;
-  node.owner_ = owner;
+  node.owner_ = &owner;
   const DefaultSize size = DefaultSizeOf(node.kind_);
   node.width_ = size.width;
   node.height_ = size.height;
-  if (QtKindHas(node.kind_, QtCapability::kTabIndex)) {
+  if (KindHas(node.kind_, Capability::kTabIndex)) {
     node.tab_index_ = owner_node.next_tab_index_++;
   }
-  if (QtKindHas(parent_node.kind_, QtCapability::kFont)) node.font_ = parent_node.font_;
+  if (KindHas(parent_node.kind_, Capability::kFont)) node.font_ = parent_node.font_;
   if (node.kind_ == ControlKind::kMenu) {
     owner_node.menus_.push_back(control);
   } else {
@@ -623,15 +554,7 @@ std::shared_ptr<Control> QtToolkit::LoadControl(const Control& element0, int32_t
   const QtNode& t = Node(element0);
   Container* parent = element0.Parent();
   Container* owner = element0.Owner();
-  if (parent == nullptr || owner == nullptr || t.kind_ == ControlKind::kForm) {
-    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: \"" + t.name_ +
-                                                "\" is not loaded on a form");
-  }
-  if (index < 0 || index > 32767) throw PlatformFailure(kErrInvalidProcedureCall);
-  if (owner->FindControl(t.name_, index) != nullptr) {
-    throw Failure(kErrObjectAlreadyLoaded,
-                  "Object already loaded: \"" + t.name_ + "\"(" + std::to_string(index) + ")");
-  }
+  CheckNewArrayElement(element0, index);
   std::shared_ptr<Control> made;
   switch (t.kind_) {
     case ControlKind::kLabel: {
@@ -715,18 +638,7 @@ std::shared_ptr<Control> QtToolkit::LoadControl(const Control& element0, int32_t
       break;
   }
   QtNode& n = Node(*made);
-  n.left_ = t.left_;
-  n.top_ = t.top_;
-  n.width_ = t.width_;
-  n.height_ = t.height_;
-  n.visible_ = false;
-  n.enabled_ = t.enabled_;
-  n.tag_ = t.tag_;
-  n.tab_stop_ = t.tab_stop_;
-  n.caption_ = t.caption_;
-  n.fore_color_ = t.fore_color_;
-  n.back_color_ = t.back_color_;
-  n.font_ = t.font_;
+  CopyElementProperties(t, &n);
   n.ApplyGeometry();
   n.ApplyColors();
   n.ApplyFont();
@@ -742,33 +654,16 @@ void QtToolkit::Unload(Control& control) {
   if (node.kind_ == ControlKind::kForm) {
     auto& form = dynamic_cast<QtForm&>(control);
     if (form.unloaded_) return;
-    if (form.loaded_) QtRaise(form, &ControlEvents::Unload);
+    if (form.loaded_) Raise(form, &ControlEvents::Unload);
     form.Hide();
     form.unloaded_ = true;
-    form.focused_.reset();
+    form.focus_.focused.reset();
     node.Detach();
     std::erase(forms_, keep);
     return;
   }
   if (!node.attached_) return;
-  if (QtForm* form = FormOf(control)) {
-    Control* focus = form->focused_.get();
-    if (focus != nullptr && (focus == &control || IsChild(control, *focus))) {
-      // The focus goes on to the next stop outside the control, without Validate.
-      std::vector<Control*> ring;
-      CollectStops(*form, focus, &ring);
-      Control* next = nullptr;
-      auto at = std::find(ring.begin(), ring.end(), focus);
-      for (size_t i = 1; at != ring.end() && i < ring.size(); ++i) {
-        Control* candidate = ring[(static_cast<size_t>(at - ring.begin()) + i) % ring.size()];
-        if (candidate != &control && !IsChild(control, *candidate)) {
-          next = candidate;
-          break;
-        }
-      }
-      MoveFocus(*form, next, false);
-    }
-  }
+  if (QtForm* form = FormOf(control)) rules_.LeaveUnloading(*form, control);
   if (node.kind_ == ControlKind::kMenu) {
     auto& menu = dynamic_cast<QtMenu&>(control);
     if (auto* parent_menu = dynamic_cast<QtMenu*>(menu.parent_menu_)) {
@@ -784,93 +679,9 @@ void QtToolkit::Unload(Control& control) {
 
 // Focus.
 
-bool QtToolkit::CanTakeFocus(const Control& control) const {
-  const QtNode& node = Node(control);
-  if (!node.attached_) return false;
-  switch (node.kind_) {
-    case ControlKind::kTextBox:
-    case ControlKind::kCommandButton:
-    case ControlKind::kPictureBox:
-    case ControlKind::kUserControl:
-      break;
-    default:
-      return false;
-  }
-  return Usable(control) && FormOf(control) != nullptr;
-}
+bool QtToolkit::CanTakeFocus(const Control& control) const { return rules_.CanTakeFocus(control); }
 
-void QtToolkit::CollectStops(Container& container, Control* always,
-                             std::vector<Control*>* out) const {
-  for (const auto& child : InTabOrder(Node(container))) {
-    const QtNode& node = Node(*child);
-    Control* c = child.get();
-    if (!node.visible_ || !node.enabled_) continue;
-    const bool inside_always = always != nullptr && (always == c || IsChild(*c, *always));
-    switch (node.kind_) {
-      case ControlKind::kTextBox:
-      case ControlKind::kCommandButton:
-        if (node.tab_stop_ || c == always) out->push_back(c);
-        break;
-      case ControlKind::kPictureBox:
-        if (node.tab_stop_ || c == always) out->push_back(c);
-        CollectStops(dynamic_cast<Container&>(*c), always, out);
-        break;
-      case ControlKind::kFrame:
-        CollectStops(dynamic_cast<Container&>(*c), always, out);
-        break;
-      case ControlKind::kUserControl: {
-        if (!node.tab_stop_ && !inside_always) break;
-        auto& uc = dynamic_cast<QtUserControl&>(*c);
-        std::vector<Control*> inner;
-        CollectStops(uc, always, &inner);
-        if (!inner.empty()) {
-          out->insert(out->end(), inner.begin(), inner.end());
-        } else if (Control* first = FocusTargetOf(uc); first != nullptr) {
-          out->push_back(inside_always ? always : first);
-        }
-        break;
-      }
-      default:
-        break;
-    }
-  }
-}
-
-// Where SetFocus on `control` puts the focus: the control itself, or for a user control that
-// does not take the focus itself its first child in tab order that can take it (TabStop aside).
-Control* QtToolkit::FocusTargetOf(Control& control) const {
-  if (!CanTakeFocus(control)) return nullptr;
-  if (control.Kind() != ControlKind::kUserControl) return &control;
-  auto& uc = dynamic_cast<QtUserControl&>(control);
-  for (const auto& child : InTabOrder(uc)) {
-    const QtNode& node = Node(*child);
-    if (!node.visible_ || !node.enabled_) continue;
-    if (node.kind_ == ControlKind::kFrame) {
-      for (const auto& inner : InTabOrder(node)) {
-        if (Control* target = FocusTargetOf(*inner)) return target;
-      }
-      continue;
-    }
-    if (Control* target = FocusTargetOf(*child)) return target;
-  }
-  return uc.can_get_focus_ ? &control : nullptr;
-}
-
-Control* QtToolkit::NeighbourStop(QtForm& form, Control* from, bool backward) {
-  std::vector<Control*> ring;
-  CollectStops(form, from, &ring);
-  if (ring.empty()) return nullptr;
-  auto at = std::find(ring.begin(), ring.end(), from);
-  if (at == ring.end()) return backward ? ring.back() : ring.front();
-  const size_t i = static_cast<size_t>(at - ring.begin());
-  return backward ? ring[(i + ring.size() - 1) % ring.size()] : ring[(i + 1) % ring.size()];
-}
-
-std::vector<Control*> QtToolkit::TabOrder(Form& form) {
-  std::vector<Control*> ring;
-  CollectStops(form, nullptr, &ring);
-  return ring;
-}
+std::vector<Control*> QtToolkit::TabOrder(Form& form) { return rules_.TabOrder(form); }
 
 void QtToolkit::SetFocusTo(Control& control) {
   Node(control);
@@ -880,14 +691,33 @@ void QtToolkit::SetFocusTo(Control& control) {
     ActivateForm(form);
     return;
   }
-  Control* target = FocusTargetOf(control);
+  Control* target = rules_.FocusTargetOf(control);
   if (target == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
   ActivateForm(form);
-  MoveFocus(*form, target, true);
+  rules_.MoveFocus(*form, target, true);
 }
 
+bool QtToolkit::IsLoaded(const Control& control) const { return Node(control).attached_; }
+
+const std::vector<std::shared_ptr<Control>>& QtToolkit::ChildrenOf(const Control& container) const {
+  return Node(container).children_;
+}
+
+int32_t QtToolkit::TabIndexOf(const Control& control) const { return Node(control).tab_index_; }
+
+bool QtToolkit::TabStopOf(const Control& control) const { return Node(control).tab_stop_; }
+
+FocusMarks& QtToolkit::MarksOf(const Control& control) { return Node(control).focus_marks_; }
+
+WindowFocus& QtToolkit::FocusOf(Form& form) {
+  Node(form);
+  return dynamic_cast<QtForm&>(form).focus_;
+}
+
+void QtToolkit::FocusChanged(Form& form) { ApplyWidgetFocus(dynamic_cast<QtForm&>(form)); }
+
 void QtToolkit::ApplyWidgetFocus(QtForm& form) {
-  Control* focus = form.focused_.get();
+  Control* focus = form.focus_.focused.get();
   QWidget* widget = focus != nullptr ? Node(*focus).Widget() : nullptr;
   if (widget != nullptr) {
     widget->setFocus(Qt::OtherFocusReason);
@@ -896,86 +726,11 @@ void QtToolkit::ApplyWidgetFocus(QtForm& form) {
   }
 }
 
-bool QtToolkit::MoveFocus(QtForm& form, Control* target, bool validate) {
-  const std::shared_ptr<Control> keep_old = form.focused_;
-  const std::shared_ptr<Control> keep_target = target ? target->shared_from_this() : nullptr;
-  Control* old = keep_old.get();
-  if (old == target) return true;
-  const std::vector<Control*> old_chain = UserControlChain(old);
-  const std::vector<Control*> target_chain = UserControlChain(target);
-  std::vector<std::shared_ptr<Control>> left;  // innermost first
-  for (Control* uc : old_chain) {
-    if (!Contains(target_chain, uc)) left.push_back(uc->shared_from_this());
-  }
-  std::vector<std::shared_ptr<Control>> entered;  // outermost first
-  for (auto it = target_chain.rbegin(); it != target_chain.rend(); ++it) {
-    entered.push_back((*it)->shared_from_this());
-  }
-  int64_t generation = form.focus_generation_;
-  auto moved_elsewhere = [&] { return form.focus_generation_ != generation; };
-
-  if (validate && old != nullptr && Node(*old).got_focus_) {
-    bool cancel = false;
-    QtRaise(*old, &ControlEvents::Validate, cancel);
-    if (cancel || moved_elsewhere()) return false;
-    for (const auto& uc : left) {
-      if (uc.get() == old || !Node(*uc).got_focus_) continue;
-      cancel = false;
-      QtRaise(*uc, &ControlEvents::Validate, cancel);
-      if (cancel || moved_elsewhere()) return false;
-    }
-  }
-
-  form.focused_ = keep_target;
-  generation = ++form.focus_generation_;
-  ApplyWidgetFocus(form);
-
-  if (old != nullptr && Node(*old).got_focus_) {
-    Node(*old).got_focus_ = false;
-    QtRaise(*old, &ControlEvents::LostFocus);
-    if (moved_elsewhere()) return false;
-  }
-  for (const auto& uc : left) {
-    QtNode& node = Node(*uc);
-    if (!node.got_focus_) continue;
-    node.got_focus_ = false;
-    QtRaise(*uc, &ControlEvents::LostFocus);
-    if (moved_elsewhere()) return false;
-  }
-  for (const auto& uc : left) {
-    QtNode& node = Node(*uc);
-    if (!node.entered_) continue;
-    node.entered_ = false;
-    QtRaise(*uc, &ControlEvents::ExitFocus);
-    if (moved_elsewhere()) return false;
-  }
-  for (const auto& uc : entered) {
-    QtNode& node = Node(*uc);
-    if (node.entered_) continue;
-    node.entered_ = true;
-    QtRaise(*uc, &ControlEvents::EnterFocus);
-    if (moved_elsewhere()) return false;
-  }
-  for (const auto& uc : entered) {
-    QtNode& node = Node(*uc);
-    if (uc.get() == target || node.got_focus_) continue;
-    node.got_focus_ = true;
-    QtRaise(*uc, &ControlEvents::GotFocus);
-    if (moved_elsewhere()) return false;
-  }
-  if (target != nullptr && !Node(*target).got_focus_) {
-    Node(*target).got_focus_ = true;
-    QtRaise(*target, &ControlEvents::GotFocus);
-    if (moved_elsewhere()) return false;
-  }
-  return true;
-}
-
 bool QtToolkit::FocusOutside() {
   QtForm* form = active_form_;
   if (form == nullptr) return true;
-  if (!MoveFocus(*form, nullptr, true)) return false;
-  if (active_form_ == form && form->focused_ == nullptr) active_form_ = nullptr;
+  if (!rules_.MoveFocus(*form, nullptr, true)) return false;
+  if (active_form_ == form && form->focus_.focused == nullptr) active_form_ = nullptr;
   return true;
 }
 
@@ -995,12 +750,8 @@ bool QtToolkit::OnKey(QtNode& node, QObject* receiver, QEvent* event) {
       !(modifiers & (Qt::ControlModifier | Qt::AltModifier))) {
     // Our own focus chain; Tab raises no key events.
     if (press) {
-      QtForm* form = FormOf(control);
-      Control* focus = form != nullptr ? form->focused_.get() : nullptr;
-      if (focus != nullptr) {
-        const bool backward = qt_key == Qt::Key_Backtab || (shift & kShiftMask) != 0;
-        Control* next = NeighbourStop(*form, focus, backward);
-        if (next != nullptr && next != focus) MoveFocus(*form, next, true);
+      if (QtForm* form = FormOf(control)) {
+        rules_.Tab(*form, qt_key == Qt::Key_Backtab || (shift & kShiftMask) != 0);
       }
     }
     return true;
@@ -1010,37 +761,25 @@ bool QtToolkit::OnKey(QtNode& node, QObject* receiver, QEvent* event) {
   auto* box = dynamic_cast<QtTextBox*>(&control);
   if (!press) {
     int16_t up = code, up_shift = shift;
-    QtRaise(control, &ControlEvents::KeyUp, up, up_shift);
+    Raise(control, &ControlEvents::KeyUp, up, up_shift);
     if (node.attached_) {
       QKeyEvent copy(QEvent::KeyRelease, qt_key, modifiers, ke->text(), ke->isAutoRepeat());
       bridge_->Forward(receiver, &copy);
     }
-    if (up == kKeySpace && control.Kind() == ControlKind::kCommandButton && control.Enabled()) {
-      QtRaise(control, &ControlEvents::Click);
-    }
+    ClickOnSpaceRelease(control, up);
     return true;
   }
 
   int16_t down = code, down_shift = shift;
-  QtRaise(control, &ControlEvents::KeyDown, down, down_shift);
+  Raise(control, &ControlEvents::KeyDown, down, down_shift);
   if (!node.attached_) return true;
   const bool changed_key = down != code;
   const int act_key = changed_key ? QtKeyOf(down) : qt_key;
   const QString text = changed_key ? TextOfKey(down) : ke->text();
 
-  if (down == kKeyReturn && !(box != nullptr && box->multi_line_)) {
-    std::shared_ptr<Control> default_button;
-    if (QtForm* form = FormOf(control)) {
-      for (const auto& c : form->AllControls()) {
-        auto* button = dynamic_cast<QtCommandButton*>(c.get());
-        if (button != nullptr && button->default_ && CanTakeFocus(*button)) {
-          default_button = c;
-          break;
-        }
-      }
-    }
-    if (default_button != nullptr) {
-      QtRaise(*default_button, &ControlEvents::Click);
+  if (down == kKeyReturn) {
+    if (const std::shared_ptr<Control> default_button = rules_.DefaultButtonFor(control)) {
+      Raise(*default_button, &ControlEvents::Click);
       return true;
     }
   }
@@ -1088,7 +827,7 @@ bool QtToolkit::OnKey(QtNode& node, QObject* receiver, QEvent* event) {
     uint32_t typed = character;
     if (character <= 0xFFFF) {
       int16_t ascii = static_cast<int16_t>(static_cast<uint16_t>(character));
-      QtRaise(control, &ControlEvents::KeyPress, ascii);
+      Raise(control, &ControlEvents::KeyPress, ascii);
       if (!node.attached_) return true;
       typed = static_cast<uint16_t>(ascii);
     }
@@ -1140,7 +879,7 @@ bool QtToolkit::OnMouse(QtNode& node, QObject* receiver, QEvent* event) {
   Control& control = node.Self();
   const std::shared_ptr<Control> keep = control.shared_from_this();
   if (!node.attached_ || control.Kind() == ControlKind::kMenu) return true;
-  if (!Usable(control)) return true;
+  if (!IsUsable(control)) return true;
   auto* receiver_widget = static_cast<QWidget*>(receiver);
   QPointF local = me->position();
   if (receiver_widget != node.Widget() && node.Widget() != nullptr) {
@@ -1159,21 +898,12 @@ bool QtToolkit::OnMouse(QtNode& node, QObject* receiver, QEvent* event) {
     case QEvent::MouseButtonPress: {
       int16_t button = ButtonOf(me->button());
       after_double_click_ = false;
-      const bool focusable_uc =
-          control.Kind() == ControlKind::kUserControl && FocusTargetOf(control) == &control;
-      bool take = false;
-      if (button == kLeftButton) {
-        take = control.Kind() == ControlKind::kTextBox ||
-               control.Kind() == ControlKind::kCommandButton ||
-               control.Kind() == ControlKind::kPictureBox || focusable_uc;
-      } else if (button == kRightButton) {
-        take = control.Kind() == ControlKind::kTextBox || focusable_uc;
-      }
+      const bool take = rules_.TakesFocusOnPress(control, button);
       if (take) {
         QtForm* form = FormOf(control);
         if (form == nullptr) return true;
         ActivateForm(form);
-        if (form->focused_.get() != &control && !MoveFocus(*form, &control, true)) {
+        if (form->focus_.focused.get() != &control && !rules_.MoveFocus(*form, &control, true)) {
           // Validate kept the focus: the press, its release and the click are swallowed.
           swallowed_press_ = receiver;
           return true;
@@ -1182,7 +912,7 @@ bool QtToolkit::OnMouse(QtNode& node, QObject* receiver, QEvent* event) {
       swallowed_press_ = nullptr;
       pressed_ = receiver;
       if (box != nullptr) box->EndTypingRun();
-      QtRaise(control, &ControlEvents::MouseDown, button, shift, fx, fy);
+      Raise(control, &ControlEvents::MouseDown, button, shift, fx, fy);
       if (node.attached_) forward();
       return true;
     }
@@ -1196,20 +926,20 @@ bool QtToolkit::OnMouse(QtNode& node, QObject* receiver, QEvent* event) {
                          receiver_widget->rect().contains(me->position().toPoint());
       pressed_ = nullptr;
       after_double_click_ = false;
-      QtRaise(control, &ControlEvents::MouseUp, button, shift, fx, fy);
+      Raise(control, &ControlEvents::MouseUp, button, shift, fx, fy);
       if (node.attached_) forward();
-      if (click && node.attached_ && Usable(control)) QtRaise(control, &ControlEvents::Click);
+      if (click && node.attached_ && IsUsable(control)) Raise(control, &ControlEvents::Click);
       return true;
     }
     case QEvent::MouseButtonDblClick:
-      QtRaise(control, &ControlEvents::DblClick);
+      Raise(control, &ControlEvents::DblClick);
       if (node.attached_) forward();
       after_double_click_ = true;
       pressed_ = receiver;
       return true;
     case QEvent::MouseMove: {
       int16_t buttons = ButtonOf(me->buttons());
-      QtRaise(control, &ControlEvents::MouseMove, buttons, shift, fx, fy);
+      Raise(control, &ControlEvents::MouseMove, buttons, shift, fx, fy);
       if (node.attached_) forward();
       return true;
     }
@@ -1274,23 +1004,7 @@ void QtToolkit::KeyUpOnly(int16_t key_code, int16_t shift) {
 void QtToolkit::TypeText(std::string_view utf8) {
   size_t i = 0;
   while (i < utf8.size()) {
-    const unsigned char c0 = static_cast<unsigned char>(utf8[i]);
-    uint32_t cp = c0;
-    size_t len = 1;
-    if (c0 >= 0xF0) {
-      len = 4;
-      cp = c0 & 0x07;
-    } else if (c0 >= 0xE0) {
-      len = 3;
-      cp = c0 & 0x0F;
-    } else if (c0 >= 0xC0) {
-      len = 2;
-      cp = c0 & 0x1F;
-    }
-    for (size_t k = 1; k < len && i + k < utf8.size(); ++k) {
-      cp = (cp << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
-    }
-    i += len;
+    const uint32_t cp = NextCodePoint(utf8, &i);
     if (GetFocus() == nullptr) return;
     SendKey(0, 0, true, true, cp);
   }
@@ -1359,40 +1073,22 @@ void QtToolkit::DoubleClick(Control& control) {
   MouseUp(control, kLeftButton, 0, 0, 0);
 }
 
-void QtToolkit::ClickMenu(Menu& item) {
-  const std::shared_ptr<Control> keep = item.shared_from_this();
-  for (const Menu* m = &item; m != nullptr; m = m->ParentMenu()) {
-    if (!m->Enabled()) return;
-  }
-  if (!item.Visible()) return;
-  QtRaise(item, &ControlEvents::Click);
-}
+void QtToolkit::ClickMenu(Menu& item) { ClickMenuItem(item); }
 
 void QtToolkit::Repaint(Control& control) {
   if (control.Kind() == ControlKind::kUserControl || control.Kind() == ControlKind::kForm) {
-    QtRaise(control, &ControlEvents::Paint);
+    Raise(control, &ControlEvents::Paint);
   }
   if (QWidget* widget = WidgetOf(control)) widget->update();
 }
 
 // Dialogs.
 
-void QtToolkit::RecordDialog(DialogRecord record) {
-  dialogs_.push_back(record);
-  if (dialog_observer_) {
-    const auto observer = dialog_observer_;
-    observer(record);
-  }
-}
+void QtToolkit::RecordDialog(DialogRecord record) { dialogs_.Record(std::move(record)); }
 
 void QtToolkit::MessageBox(const std::string& title, const std::string& text,
                            MessageBoxStyle style) {
-  DialogRecord record;
-  record.kind = DialogRecord::Kind::kMessageBox;
-  record.title = title;
-  record.text = text;
-  record.style = style;
-  RecordDialog(std::move(record));
+  RecordDialog(MessageBoxRecord(title, text, style));
   if (mode_ == DialogMode::kAnswered) return;
   QMessageBox box(style == MessageBoxStyle::kCritical ? QMessageBox::Critical : QMessageBox::NoIcon,
                   QString::fromStdString(title), QString::fromStdString(text), QMessageBox::Ok,
@@ -1412,7 +1108,7 @@ void QtToolkit::ShowModal(Form& form_in) {
       previous != nullptr ? previous->shared_from_this() : nullptr;
   if (!form.loaded_) {
     form.loaded_ = true;
-    QtRaise(form, &ControlEvents::Load);
+    Raise(form, &ControlEvents::Load);
   }
   if (form.unloaded_) {
     ActivateForm(previous);
@@ -1421,21 +1117,7 @@ void QtToolkit::ShowModal(Form& form_in) {
   form.shown_ = true;
   form.visible_ = true;
 
-  DialogRecord record;
-  record.kind = DialogRecord::Kind::kModalForm;
-  record.title = form.caption_;
-  record.name = form.name_;
-  std::vector<std::shared_ptr<Control>> boxes;
-  for (const auto& c : form.AllControls()) {
-    if (c->Kind() == ControlKind::kTextBox && c->Visible()) boxes.push_back(c);
-  }
-  std::stable_sort(boxes.begin(), boxes.end(), [](const auto& a, const auto& b) {
-    return QtNodeOf(*a)->tab_index_ < QtNodeOf(*b)->tab_index_;
-  });
-  for (size_t i = 0; i < boxes.size(); ++i) {
-    if (i > 0) record.text += "\n";
-    record.text += dynamic_cast<TextBox&>(*boxes[i]).Text();
-  }
+  DialogRecord record = ModalFormRecord(form, rules_.TextBoxTexts(form));
 
   if (mode_ == DialogMode::kInteractive) {
     if (form.widget_) form.widget_->setWindowModality(Qt::ApplicationModal);
@@ -1452,19 +1134,8 @@ void QtToolkit::ShowModal(Form& form_in) {
     ActivateForm(&form);
     RecordDialog(std::move(record));
     // Answered OK: the default button, else the first visible, enabled button in tab order.
-    std::shared_ptr<Control> ok;
-    std::vector<std::shared_ptr<Control>> buttons;
-    for (const auto& c : form.AllControls()) {
-      if (c->Kind() == ControlKind::kCommandButton && CanTakeFocus(*c)) buttons.push_back(c);
-    }
-    std::stable_sort(buttons.begin(), buttons.end(), [](const auto& a, const auto& b) {
-      return QtNodeOf(*a)->tab_index_ < QtNodeOf(*b)->tab_index_;
-    });
-    for (const auto& b : buttons) {
-      if (dynamic_cast<QtCommandButton&>(*b).default_) ok = b;
-    }
-    if (ok == nullptr && !buttons.empty()) ok = buttons.front();
-    if (ok != nullptr) QtRaise(*ok, &ControlEvents::Click);
+    const std::shared_ptr<Control> ok = rules_.AnswerButtonOf(form);
+    if (ok != nullptr) Raise(*ok, &ControlEvents::Click);
   }
   if (form.shown_) form.Hide();
   if (previous != nullptr && !previous->unloaded_) ActivateForm(previous);
@@ -1472,18 +1143,7 @@ void QtToolkit::ShowModal(Form& form_in) {
 
 void QtToolkit::RunPopupMenu(Menu& menu) {
   const std::shared_ptr<Control> keep = menu.shared_from_this();
-  DialogRecord record;
-  record.kind = DialogRecord::Kind::kPopupMenu;
-  record.title = menu.Name();
-  record.name = menu.Name();
-  bool first = true;
-  for (const auto& item : menu.Items()) {
-    if (!item->Visible()) continue;
-    if (!first) record.text += "|";
-    record.text += item->Caption();
-    first = false;
-  }
-  RecordDialog(std::move(record));
+  RecordDialog(PopupMenuRecord(menu));
 
   std::string chosen;
   if (mode_ == DialogMode::kAnswered) {
@@ -1511,13 +1171,7 @@ void QtToolkit::RunPopupMenu(Menu& menu) {
       if (action == picked) chosen = name;
     }
   }
-  if (chosen.empty()) return;
-  for (const auto& item : menu.Items()) {
-    if (item->Name() == chosen) {
-      ClickMenu(*item);
-      return;
-    }
-  }
+  ChoosePopupMenuItem(menu, chosen);
 }
 
 // Inspection.

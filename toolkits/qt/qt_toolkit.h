@@ -38,7 +38,9 @@
 #include <vector>
 
 #include "tarnsheets/toolkit.h"
-#include "toolkits/headless/headless_toolkit.h"  // DrawOp, DialogRecord: shared by both toolkits
+#include "toolkits/common/dialog_recorder.h"  // DialogRecord
+#include "toolkits/common/focus_rules.h"
+#include "toolkits/headless/headless_toolkit.h"  // DrawOp: shared by both toolkits
 
 class QEvent;
 class QObject;
@@ -50,7 +52,7 @@ class QtNode;
 class QtForm;
 class QtEventBridge;
 
-class QtToolkit : public Toolkit {
+class QtToolkit : public Toolkit, private FocusHost {
  public:
   enum class DialogMode {
     kInteractive,  // boxes, modal forms and pop-up menus wait for the user
@@ -130,10 +132,10 @@ class QtToolkit : public Toolkit {
   void Repaint(Control& control);
 
   // Inspection.
-  const std::vector<DialogRecord>& DialogLog() const { return dialogs_; }
-  void ClearDialogLog() { dialogs_.clear(); }
+  const std::vector<DialogRecord>& DialogLog() const { return dialogs_.Records(); }
+  void ClearDialogLog() { dialogs_.Clear(); }
   void SetDialogObserver(std::function<void(const DialogRecord&)> observer) {
-    dialog_observer_ = std::move(observer);
+    dialogs_.SetObserver(std::move(observer));
   }
   // Answers pop-up menus in DialogMode::kAnswered: the name of the item to click ("" closes).
   void SetPopupMenuAnswer(std::function<std::string(const Menu&)> answer) {
@@ -179,10 +181,17 @@ class QtToolkit : public Toolkit {
  private:
   QtNode& Node(const Control& control) const;
   QtForm* FormOf(const Control& control) const;
-  bool MoveFocus(QtForm& form, Control* target, bool validate);
-  Control* FocusTargetOf(Control& control) const;
-  Control* NeighbourStop(QtForm& form, Control* from, bool backward);
-  void CollectStops(Container& container, Control* always, std::vector<Control*>* out) const;
+
+  // FocusHost: what the focus rules read of the controls.
+  bool IsLoaded(const Control& control) const override;
+  const std::vector<std::shared_ptr<Control>>& ChildrenOf(const Control& container) const override;
+  int32_t TabIndexOf(const Control& control) const override;
+  bool TabStopOf(const Control& control) const override;
+  FocusMarks& MarksOf(const Control& control) override;
+  WindowFocus& FocusOf(Form& form) override;
+  // The widget focus follows the focused control.
+  void FocusChanged(Form& form) override;
+
   void ApplyWidgetFocus(QtForm& form);
   void SendKey(int16_t key_code, int16_t shift, bool press, bool release, uint32_t character);
   void SendMouse(Control& control, int type, int16_t button, int16_t shift, float x, float y);
@@ -194,8 +203,8 @@ class QtToolkit : public Toolkit {
   Twips tppy_ = 15;
   std::vector<std::shared_ptr<Form>> forms_;
   QtForm* active_form_ = nullptr;
-  std::vector<DialogRecord> dialogs_;
-  std::function<void(const DialogRecord&)> dialog_observer_;
+  DialogRecorder dialogs_;
+  FocusRules rules_{*this};
   std::function<std::string(const Menu&)> popup_answer_;
   std::set<QtNode*> nodes_;
   std::unique_ptr<QtEventBridge> bridge_;

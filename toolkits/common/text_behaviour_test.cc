@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tarnsheets/failure.h"
-#include "toolkits/qt/qt_toolkit.h"
+#include "toolkits/common/toolkit_under_test.h"
 
 namespace tarnsheets {
 namespace {
@@ -19,7 +19,7 @@ class TextBoxTest : public ::testing::Test {
     box_->SetFocus();
   }
 
-  QtToolkit tk_{QtToolkit::DialogMode::kAnswered};
+  ToolkitUnderTest tk_;
   std::shared_ptr<Form> form_;
   std::shared_ptr<TextBox> box_, multi_;
   std::vector<std::string> changes_;

@@ -4,19 +4,10 @@
 #include <vector>
 
 #include "tarnsheets/failure.h"
-#include "toolkits/qt/qt_toolkit.h"
+#include "toolkits/common/toolkit_under_test.h"
 
 namespace tarnsheets {
 namespace {
-
-int FailureNumber(auto&& fn) {
-  try {
-    fn();
-  } catch (const Failure& f) {
-    return f.Number();
-  }
-  return 0;
-}
 
 // Records the focus events of controls as "Name.Event".
 struct FocusLog {
@@ -46,7 +37,7 @@ class FocusTest : public ::testing::Test {
     return f == nullptr ? "<none>" : f->Name();
   }
 
-  QtToolkit tk_{QtToolkit::DialogMode::kAnswered};
+  ToolkitUnderTest tk_;
   std::shared_ptr<Form> form_;
   std::shared_ptr<TextBox> a_, b_;
   std::shared_ptr<CommandButton> c_;
@@ -194,7 +185,7 @@ class UserControlFocusTest : public ::testing::Test {
     }
   }
 
-  QtToolkit tk_{QtToolkit::DialogMode::kAnswered};
+  ToolkitUnderTest tk_;
   FocusLog log_;
   std::shared_ptr<Form> form_;
   std::shared_ptr<TextBox> before_, box0_, box1_, after_;
@@ -329,7 +320,7 @@ TEST_F(UserControlFocusTest, UnloadingTheFocusedControlHandsTheFocusOnWithoutVal
 }
 
 TEST(ClickFocusTest, RightClickOnTextBoxFocusesItAndReportsButtonTwo) {
-  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  ToolkitUnderTest tk;
   auto form = tk.CreateForm("F");
   auto a = tk.CreateTextBox(*form, "A");
   auto label = tk.CreateLabel(*form, "L");
@@ -349,7 +340,7 @@ TEST(ClickFocusTest, RightClickOnTextBoxFocusesItAndReportsButtonTwo) {
 }
 
 TEST(ClickFocusTest, SpaceOnAFocusedCommandButtonClicksIt) {
-  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  ToolkitUnderTest tk;
   auto form = tk.CreateForm("F");
   auto button = tk.CreateCommandButton(*form, "Cmd");
   std::vector<std::string> seen;
