@@ -65,9 +65,17 @@ Qt::Alignment HorizontalAlignment(int16_t alignment) {
   }
 }
 
+// Sets two colours of a widget's palette. A palette change restyles and repaints the widget, so a
+// widget that already shows both colours is left alone: the editors set their colours again at
+// every record shown.
 void SetRoles(QWidget* widget, QPalette::ColorRole back_role, QColor back,
               QPalette::ColorRole fore_role, QColor fore) {
   QPalette palette = widget->palette();
+  if (palette.isBrushSet(QPalette::Active, back_role) &&
+      palette.isBrushSet(QPalette::Active, fore_role) && palette.color(back_role) == back &&
+      palette.color(fore_role) == fore) {
+    return;
+  }
   palette.setColor(back_role, back);
   palette.setColor(fore_role, fore);
   widget->setPalette(palette);
@@ -619,7 +627,7 @@ void QtTextBox::WidgetTextChanged() {
 
 void QtTextBox::SetLocked(bool v) {
   locked_ = v;
-  if (Line()) Line()->setReadOnly(v);
+  if (Line() && Line()->isReadOnly() != v) Line()->setReadOnly(v);
   if (Plain()) {
     Plain()->setReadOnly(v);
     // A locked box still lets the user select with the keyboard.
