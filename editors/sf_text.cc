@@ -218,6 +218,12 @@ void SFText::SetAlignment(int16_t v) {
 }
 
 bool SFText::Locked() const { return VisibleBox().Locked(); }
+void SFText::SetAccessibleText(const std::string& name, const std::string& description) {
+  for (const std::shared_ptr<TextBox>& box : txt_text_.Elements()) {
+    box->SetAccessibleText(name, description);
+  }
+}
+
 void SFText::SetLocked(bool v) {
   TextBox& box = VisibleBox();
   box.SetLocked(v);

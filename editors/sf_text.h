@@ -133,6 +133,8 @@ class SFText {
 
   // Redraws the visible box.
   void Refresh();
+  // The name and description screen readers announce for the editor, on both boxes.
+  void SetAccessibleText(const std::string& name, const std::string& description);
 
   // The index of the visible box: 0 for Style 0, 1 for Styles 1 and 2.
   int32_t ActiveBox() const { return active_box_; }

@@ -144,6 +144,16 @@ void SheetEngine::Display_field() {
         if (Lbl_Title_(i).Tag() == title.Name) Lbl_Title_(i).SetCaption(title.DisplayName);
       }
     }
+    // Screen readers announce each text editor by its title.
+    const int32_t count = SheetTitles().Count();
+    for (int32_t j = 1; j <= count; ++j) {
+      const ClsSheetsTitle& title = Require(SheetTitles().Item(Variant(j)));
+      for (const std::shared_ptr<SFText>& editor : Txt_Value_.Elements()) {
+        if (editor->Host().Tag() == title.Name) {
+          editor->SetAccessibleText(title.DisplayName, title.Description);
+        }
+      }
+    }
   } catch (const Failure& failure) {
     Report("Display_field", failure);
   }

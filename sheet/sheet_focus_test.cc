@@ -384,3 +384,21 @@ TEST_F(EditStatusTest, EveryEditorIsOpenInQueryMode) {
 
 }  // namespace
 }  // namespace tarnsheets
+
+namespace tarnsheets {
+namespace {
+
+using AccessibilityTest = InteractionTest;
+
+TEST_F(AccessibilityTest, EachTextEditorIsAnnouncedByItsTitle) {
+  Start();
+  sheet_->SheetTitles().Item(Variant("F_USURNAME"))->Description = "The family name";
+  sheet_->InitDisplay();
+  EXPECT_EQ(Box("F_USURNAME").AccessibleName(), "Title of F_USURNAME");
+  EXPECT_EQ(Box("F_USURNAME").AccessibleDescription(), "The family name");
+  // Without a description of its own a title describes itself by its display name.
+  EXPECT_EQ(Box("F_UPREFIX").AccessibleDescription(), "Title of F_UPREFIX");
+}
+
+}  // namespace
+}  // namespace tarnsheets

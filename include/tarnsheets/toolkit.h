@@ -300,6 +300,9 @@ class TextBox : public Control {
   // The name and description that assistive technology (screen readers) announces for the box.
   // A toolkit without such a service ignores them.
   virtual void SetAccessibleText(const std::string& /*name*/, const std::string& /*description*/) {}
+  // What was last given to SetAccessibleText; empty on a toolkit that ignores it.
+  virtual std::string AccessibleName() const { return ""; }
+  virtual std::string AccessibleDescription() const { return ""; }
 };
 
 class CommandButton : public Control {

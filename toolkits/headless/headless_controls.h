@@ -246,6 +246,12 @@ class HTextBox : public HControl<TextBox> {
         multi_line_(multi_line) {}
 
   bool MultiLine() const override { return multi_line_; }
+  void SetAccessibleText(const std::string& name, const std::string& description) override {
+    accessible_name_ = name;
+    accessible_description_ = description;
+  }
+  std::string AccessibleName() const override { return accessible_name_; }
+  std::string AccessibleDescription() const override { return accessible_description_; }
   const std::string& Text() const override { return text_; }
   void SetText(const std::string& v) override;
   int32_t SelStart() const override { return sel_start_; }
@@ -278,6 +284,8 @@ class HTextBox : public HControl<TextBox> {
   void MoveCaret(int16_t key_code, bool extend);
 
   bool multi_line_;
+  std::string accessible_name_;
+  std::string accessible_description_;
   std::string text_;
   int32_t sel_start_ = 0;
   int32_t sel_length_ = 0;

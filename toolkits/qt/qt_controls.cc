@@ -719,6 +719,14 @@ void QtTextBox::SetAccessibleText(const std::string& name, const std::string& de
   widget_->setAccessibleDescription(QString::fromStdString(description));
 }
 
+std::string QtTextBox::AccessibleName() const {
+  return widget_ ? widget_->accessibleName().toStdString() : std::string();
+}
+
+std::string QtTextBox::AccessibleDescription() const {
+  return widget_ ? widget_->accessibleDescription().toStdString() : std::string();
+}
+
 void QtTextBox::ApplyColors() {
   if (!widget_) return;
   SetRoles(widget_, QPalette::Base, ToQColor(Resolve(back_color_)), QPalette::Text,

@@ -387,6 +387,8 @@ class QtTextBox : public QtControl<TextBox> {
   void Undo() override;
   bool CanUndo() const override { return can_undo_; }
   void SetAccessibleText(const std::string& name, const std::string& description) override;
+  std::string AccessibleName() const override;
+  std::string AccessibleDescription() const override;
 
   void ApplyColors() override;
   // The user is about to edit through the widget: the selection before the edit is what Undo
