@@ -1,9 +1,9 @@
 #include "datasources/recordset/filter.h"
 
-#include <cctype>
 #include <optional>
 #include <utility>
 
+#include "datasources/recordset/recordset_arguments.h"
 #include "tarnsheets/failure.h"
 #include "tarnsheets/recordset.h"
 
@@ -17,17 +17,6 @@ bool IsNameStart(char c) {
          static_cast<unsigned char>(c) >= 0x80;
 }
 bool IsNamePart(char c) { return IsNameStart(c) || IsDigit(c); }
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
-}
 
 // The one-based position, in UTF-8 characters, of the byte at `offset`.
 size_t CharacterPosition(std::string_view text, size_t offset) {
@@ -77,7 +66,7 @@ class RecordsetFilter::Parser {
   bool Keyword(std::string_view word) {
     SkipBlanks();
     if (text_.size() - pos_ < word.size()) return false;
-    if (!EqualsNoCase(text_.substr(pos_, word.size()), word)) return false;
+    if (!EqualsIgnoringAsciiCase(text_.substr(pos_, word.size()), word)) return false;
     const size_t end = pos_ + word.size();
     if (end < text_.size() && IsNamePart(text_[end])) return false;
     pos_ = end;
@@ -147,7 +136,8 @@ class RecordsetFilter::Parser {
     const size_t start = pos_;
     while (pos_ < text_.size() && IsNamePart(text_[pos_])) ++pos_;
     std::string name(text_.substr(start, pos_ - start));
-    if (EqualsNoCase(name, "and") || EqualsNoCase(name, "or") || EqualsNoCase(name, "like")) {
+    if (EqualsIgnoringAsciiCase(name, "and") || EqualsIgnoringAsciiCase(name, "or") ||
+        EqualsIgnoringAsciiCase(name, "like")) {
       FailAt(start, "a column name expected");
     }
     return name;
@@ -156,7 +146,7 @@ class RecordsetFilter::Parser {
   size_t ColumnIndex(const std::string& name) {
     auto& columns = filter_->columns_;
     for (size_t i = 0; i < columns.size(); ++i) {
-      if (EqualsNoCase(columns[i], name)) return i;
+      if (EqualsIgnoringAsciiCase(columns[i], name)) return i;
     }
     columns.push_back(name);
     return columns.size() - 1;
@@ -306,8 +296,8 @@ std::optional<int> CompareValues(const Variant& cell, const Variant& value) {
     if (cell.IsBoolean()) {
       double number = 0;
       if (ParseNumber(text, &number)) return Sign(cell_number.value() - number);
-      if (EqualsNoCase(text, "True")) return Sign(cell_number.value() + 1);
-      if (EqualsNoCase(text, "False")) return Sign(cell_number.value());
+      if (EqualsIgnoringAsciiCase(text, "True")) return Sign(cell_number.value() + 1);
+      if (EqualsIgnoringAsciiCase(text, "False")) return Sign(cell_number.value());
       return std::nullopt;
     }
     if (cell_number) {

@@ -1,31 +1,16 @@
 #include "datasources/recordset/memory_recordset.h"
 
 #include <algorithm>
-#include <cctype>
 #include <limits>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
+#include "datasources/recordset/recordset_arguments.h"
 #include "tarnsheets/failure.h"
 
 namespace tarnsheets {
 namespace {
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
-}
-
-[[noreturn]] void FailArguments(const std::string& what) {
-  throw Failure(kErrRecordsetArguments, std::string(kRecordsetArgumentsDescription) + " " + what);
-}
 
 [[noreturn]] void FailJson(const std::string& what) {
   throw Failure(kErrRecordsetArguments, "The rows are no JSON array of objects: " + what);
@@ -72,17 +57,19 @@ Variant CellFromJson(const nlohmann::json& value, const std::string& where) {
 MemoryRecordset::MemoryRecordset(std::vector<std::string> columns,
                                  std::vector<std::vector<Variant>> rows) {
   for (size_t i = 0; i < columns.size(); ++i) {
-    if (columns[i].empty()) FailArguments("Column " + std::to_string(i + 1) + " has no name.");
+    if (columns[i].empty())
+      FailRecordsetArguments("Column " + std::to_string(i + 1) + " has no name.");
     for (size_t j = 0; j < i; ++j) {
-      if (EqualsNoCase(columns[i], columns[j])) {
-        FailArguments("The column \"" + columns[i] + "\" is given twice.");
+      if (EqualsIgnoringAsciiCase(columns[i], columns[j])) {
+        FailRecordsetArguments("The column \"" + columns[i] + "\" is given twice.");
       }
     }
   }
   for (size_t r = 0; r < rows.size(); ++r) {
     if (rows[r].size() != columns.size()) {
-      FailArguments("Row " + std::to_string(r + 1) + " has " + std::to_string(rows[r].size()) +
-                    " cells for " + std::to_string(columns.size()) + " columns.");
+      FailRecordsetArguments("Row " + std::to_string(r + 1) + " has " +
+                             std::to_string(rows[r].size()) + " cells for " +
+                             std::to_string(columns.size()) + " columns.");
     }
   }
   columns_ = std::move(columns);
@@ -123,7 +110,8 @@ void MemoryRecordset::LoadJson(std::string_view json) {
       const std::string where = row_name + ", key \"" + it.key() + "\"";
       if (it.key().empty()) FailJson(where + ": a column needs a name");
       size_t column = 0;
-      while (column < columns.size() && !EqualsNoCase(columns[column], it.key())) ++column;
+      while (column < columns.size() && !EqualsIgnoringAsciiCase(columns[column], it.key()))
+        ++column;
       if (column == columns.size()) {
         columns.push_back(it.key());
         row.emplace_back();
@@ -145,26 +133,10 @@ void MemoryRecordset::LoadJson(std::string_view json) {
 }
 
 void MemoryRecordset::SetFilter(const Variant& filter) {
-  std::string text;
-  if (filter.IsString()) {
-    text = filter.StringValue();
-  } else if (filter.IsEmpty() || (filter.IsNumber() && filter.ToDouble() == 0)) {
-    text.clear();  // no filter
-  } else {
-    FailArguments("A filter is a text, or 0 for none; " + filter.Literal() + " is neither.");
-  }
-
+  const std::string text = FilterTextOf(filter);
   // Parse and check the columns before anything changes.
-  const RecordsetFilter parsed = RecordsetFilter::Parse(text);
   std::vector<size_t> filter_columns;
-  for (const std::string& name : parsed.Columns()) {
-    const int32_t column = FindColumn(name);
-    if (column < 0) {
-      throw Failure(kErrItemNotFound, std::string(kItemNotFoundDescription) + " Filter \"" + text +
-                                          "\": no column \"" + name + "\".");
-    }
-    filter_columns.push_back(static_cast<size_t>(column));
-  }
+  const RecordsetFilter parsed = ParseFilterOver(text, columns_, &filter_columns);
   std::vector<size_t> visible = VisibleRows(parsed, filter_columns);
 
   filter_text_ = parsed.PassesAll() ? Variant(int32_t{0}) : Variant(text);
@@ -174,29 +146,8 @@ void MemoryRecordset::SetFilter(const Variant& filter) {
 
 RowsArray MemoryRecordset::GetRows(int32_t rows, const Variant& start,
                                    const std::vector<Variant>& fields) {
-  const std::vector<size_t> columns = ResolveFields(fields);
-
-  size_t first = position_;
-  if (!start.IsEmpty()) {
-    if (!start.IsNumber()) FailArguments("GetRows: Start " + start.Literal() + " is no bookmark.");
-    switch (start.ToLong()) {
-      case kBookmarkCurrent:
-        first = position_;
-        break;
-      case kBookmarkFirst:
-        first = 0;
-        break;
-      case kBookmarkLast:
-        first = visible_.empty() ? 0 : visible_.size() - 1;
-        break;
-      default:
-        FailArguments("GetRows: Start " + start.Literal() + " is no bookmark.");
-    }
-  }
-  if (rows == 0 || rows < kGetRowsRest) {
-    FailArguments("GetRows: Rows " + std::to_string(rows) + " is neither -1 nor a count above 0.");
-  }
-  if (first >= visible_.size()) throw Failure(kErrNoCurrentRecord, kNoCurrentRecordDescription);
+  const std::vector<size_t> columns = ResolveGetRowsFields(columns_, fields);
+  const size_t first = GetRowsFirst(rows, start, position_, visible_.size());
 
   const size_t rest = visible_.size() - first;
   const size_t count = rows == kGetRowsRest ? rest : std::min(rest, static_cast<size_t>(rows));
@@ -209,39 +160,6 @@ RowsArray MemoryRecordset::GetRows(int32_t rows, const Variant& start,
   }
   position_ = first + count;
   return array;
-}
-
-int32_t MemoryRecordset::FindColumn(std::string_view name) const {
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    if (EqualsNoCase(columns_[i], name)) return static_cast<int32_t>(i);
-  }
-  return -1;
-}
-
-std::vector<size_t> MemoryRecordset::ResolveFields(const std::vector<Variant>& fields) const {
-  if (fields.empty()) return AllRows(columns_.size());
-  std::vector<size_t> columns;
-  for (const Variant& field : fields) {
-    if (field.IsString()) {
-      const int32_t column = FindColumn(field.StringValue());
-      if (column < 0) {
-        throw Failure(kErrItemNotFound, std::string(kItemNotFoundDescription) + " No column \"" +
-                                            field.StringValue() + "\".");
-      }
-      columns.push_back(static_cast<size_t>(column));
-    } else if (field.IsNumber()) {
-      const int32_t ordinal = field.ToLong();
-      if (ordinal < 0 || static_cast<size_t>(ordinal) >= columns_.size()) {
-        throw Failure(kErrItemNotFound, std::string(kItemNotFoundDescription) +
-                                            " No column at ordinal " + field.AsText() + ".");
-      }
-      columns.push_back(static_cast<size_t>(ordinal));
-    } else {
-      FailArguments("GetRows: the column " + field.Literal() +
-                    " is neither a name nor an ordinal.");
-    }
-  }
-  return columns;
 }
 
 std::vector<size_t> MemoryRecordset::VisibleRows(const RecordsetFilter& filter,

@@ -53,10 +53,6 @@ class MemoryRecordset : public Recordset {
   void MoveFirst() { position_ = 0; }
 
  private:
-  // The index of the column named `name` (without regard to ASCII case), or -1.
-  int32_t FindColumn(std::string_view name) const;
-  // Resolves GetRows' column list to column indices; fails with kErrItemNotFound.
-  std::vector<size_t> ResolveFields(const std::vector<Variant>& fields) const;
   // The rows that pass `filter`, whose columns are `filter_columns`.
   std::vector<size_t> VisibleRows(const RecordsetFilter& filter,
                                   const std::vector<size_t>& filter_columns) const;

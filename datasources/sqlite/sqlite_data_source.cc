@@ -12,7 +12,6 @@
 namespace tarnsheets {
 namespace {
 
-bool IsNewRowStatus(int32_t s) { return s == dsNewRecord || s == dsCopyRecord; }
 bool IsTextType(int32_t t) { return t == kDataTypeText || t == kDataTypePlainText; }
 
 std::string Upper(std::string_view s) {
@@ -182,54 +181,6 @@ void InstallRowCounter(sqlite3* db, const std::string& table) {
   }
 }
 
-// --- The field object -------------------------------------------------------------------------
-
-class SqliteDataSource::Field final : public DataSourceField {
- public:
-  Field(SqliteDataSource* source, int index) : source_(source), index_(index) {}
-
-  std::string FieldName() const override { return column().name; }
-  int32_t DataType() const override { return column().data_type; }
-  int32_t DateKind() const override { return column().date_kind; }
-  int32_t NumberKind() const override { return column().number_kind; }
-  bool Updatable() const override { return column().updatable; }
-  std::string ReferenceName() const override { return column().reference; }
-
-  void SetValue(const Variant& value, int32_t /*flag*/) override {
-    SqliteDataSource& s = *source_;
-    if (s.IsClosed()) return;
-    if (s.IsQuery()) {
-      s.conditions_[index_] = value.AsText();
-      return;
-    }
-    if (s.pending_ == Pending::kNone) {
-      if (!s.HasStoredCurrent()) return;
-      s.BeginChanges();
-    }
-    s.pending_values_[index_] = value;
-    s.changed_[index_] = true;
-  }
-
-  Variant Value(int32_t /*flag*/) const override {
-    if (source_->IsQuery()) {
-      const std::string& c = source_->conditions_[index_];
-      return c.empty() ? Variant() : Variant(c);
-    }
-    return source_->CurrentValue(index_);
-  }
-
-  std::string Symbol(int32_t /*flag*/) const override {
-    if (source_->IsQuery()) return std::string();
-    return source_->SymbolOf(index_);
-  }
-
- private:
-  const Column& column() const { return source_->columns_[index_]; }
-
-  SqliteDataSource* source_;
-  int index_;
-};
-
 // --- Creation ---------------------------------------------------------------------------------
 
 std::unique_ptr<SqliteDataSource> SqliteDataSource::Create(const std::string& path,
@@ -276,13 +227,15 @@ std::unique_ptr<SqliteDataSource> SqliteDataSource::Create(const std::string& pa
 
 SqliteDataSource::SqliteDataSource(sqlite3* db, std::string path, std::string table,
                                    Dialogs* dialogs, SqliteSourceOptions options)
-    : db_(db),
+    : RecordSource(dialogs),
+      db_(db),
       path_(std::move(path)),
       table_(std::move(table)),
       quoted_table_(QuoteIdentifier(table_)),
       options_(std::move(options)),
-      where_(std::make_unique<Where>()),
-      dialogs_(dialogs) {}
+      where_(std::make_unique<Where>()) {
+  SetMessageTitle(kSqliteSourceTitle);
+}
 
 SqliteDataSource::~SqliteDataSource() {
   ClearStatementCache();
@@ -348,8 +301,9 @@ void SqliteDataSource::ReadSchema() {
   }
   for (Column& c : columns_) c.updatable = !c.rowid_alias;
 
+  std::unordered_map<std::string, int> index_by_name;
   for (size_t i = 0; i < columns_.size(); ++i) {
-    index_by_name_.emplace(columns_[i].name, static_cast<int>(i));
+    index_by_name.emplace(columns_[i].name, static_cast<int>(i));
   }
 
   // The metadata table, when the database has one.
@@ -370,8 +324,8 @@ void SqliteDataSource::ReadSchema() {
       const unsigned char* name_text = sqlite3_column_text(meta.get(), 0);
       const std::string name = name_text != nullptr ? reinterpret_cast<const char*>(name_text) : "";
       const std::string at = "tarn_field_meta row of \"" + table_ + "\".\"" + name + "\"";
-      auto it = index_by_name_.find(name);
-      if (it == index_by_name_.end()) {
+      auto it = index_by_name.find(name);
+      if (it == index_by_name.end()) {
         throw Failure(kErrDatabase, at + ": the table has no such column");
       }
       Column& c = columns_[it->second];
@@ -397,26 +351,18 @@ void SqliteDataSource::ReadSchema() {
     if (rc != SQLITE_DONE) throw DatabaseFailure(db_, "read tarn_field_meta");
   }
 
-  money_fields_by_reference_.resize(columns_.size());
   column_list_ = "rowid";
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    Column& c = columns_[i];
+  std::vector<RecordFieldDefinition> definitions;
+  for (const Column& c : columns_) {
     column_list_ += ", " + QuoteIdentifier(c.name);
-    if (c.reference.empty()) continue;
-    auto it = index_by_name_.find(c.reference);
-    if (it == index_by_name_.end()) {
+    if (!c.reference.empty() && index_by_name.count(c.reference) == 0) {
       throw Failure(kErrDatabase, "Column \"" + c.name + "\" of " + where + ": the reference \"" +
                                       c.reference + "\" names no column");
     }
-    c.reference_index = it->second;
-    if (c.data_type == kDataTypeMoney) money_fields_by_reference_[it->second].push_back(int(i));
+    definitions.push_back(RecordFieldDefinition{c.name, c.data_type, c.date_kind, c.number_kind,
+                                                c.updatable, c.reference});
   }
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    fields_.push_back(std::make_unique<Field>(this, static_cast<int>(i)));
-  }
-  conditions_.assign(columns_.size(), std::string());
-  last_conditions_.assign(columns_.size(), std::string());
-  changed_.assign(columns_.size(), false);
+  DefineFields(std::move(definitions));
 }
 
 void SqliteDataSource::ReadSymbols() {
@@ -509,10 +455,15 @@ bool SqliteDataSource::FetchRow(MoveTo to, int64_t from_rowid, int64_t* rowid,
   if (to == MoveTo::kNext || to == MoveTo::kPrevious) {
     sqlite3_bind_int64(statement, index, from_rowid);
   }
+  return StepRow(statement, rowid, row);
+}
+
+bool SqliteDataSource::StepRow(sqlite3_stmt* statement, int64_t* rowid,
+                               std::vector<SqlValue>* row) {
   const int rc = sqlite3_step(statement);
   if (rc == SQLITE_DONE) return false;
   if (rc != SQLITE_ROW) throw DatabaseFailure(db_, "read a record of \"" + table_ + "\"");
-  *rowid = sqlite3_column_int64(statement, 0);
+  if (rowid != nullptr) *rowid = sqlite3_column_int64(statement, 0);
   row->resize(columns_.size());
   for (size_t i = 0; i < columns_.size(); ++i) {
     (*row)[i] = SqlValue::FromColumn(statement, static_cast<int>(i) + 1);
@@ -525,14 +476,7 @@ bool SqliteDataSource::ReadRowById(int64_t rowid, std::vector<SqlValue>* row) {
       Cached("SELECT " + column_list_ + " FROM " + quoted_table_ + " WHERE rowid = ?");
   ResetOnExit reset(statement);
   sqlite3_bind_int64(statement, 1, rowid);
-  const int rc = sqlite3_step(statement);
-  if (rc == SQLITE_DONE) return false;
-  if (rc != SQLITE_ROW) throw DatabaseFailure(db_, "read a record of \"" + table_ + "\"");
-  row->resize(columns_.size());
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    (*row)[i] = SqlValue::FromColumn(statement, static_cast<int>(i) + 1);
-  }
-  return true;
+  return StepRow(statement, nullptr, row);
 }
 
 int64_t SqliteDataSource::CountRows() {
@@ -699,72 +643,6 @@ SqlValue SqliteDataSource::ToSql(int index, const Variant& value) const {
   return v;
 }
 
-Variant SqliteDataSource::CurrentValue(int index) const {
-  if (IsClosed()) return Variant();
-  if (pending_ != Pending::kNone) return pending_values_[index];
-  if (!HasStoredCurrent()) return Variant();
-  return FromSql(index, current_row_[index]);
-}
-
-void SqliteDataSource::BeginChanges() {
-  pending_values_.clear();
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    pending_values_.push_back(FromSql(static_cast<int>(i), current_row_[i]));
-  }
-  std::fill(changed_.begin(), changed_.end(), false);
-  pending_ = Pending::kChanges;
-}
-
-std::string SqliteDataSource::SymbolOf(int index) const {
-  const Column& c = columns_[index];
-  if (c.data_type != kDataTypeMoney || c.reference_index < 0) return std::string();
-  const Variant code = CurrentValue(c.reference_index);
-  auto it = symbols_.find(code.AsText());
-  return it == symbols_.end() ? std::string() : it->second;
-}
-
-std::vector<std::string> SqliteDataSource::AllSymbols() const {
-  std::vector<std::string> out;
-  for (const auto& [code, symbol] : symbols_) out.push_back(symbol);
-  return out;
-}
-
-FieldShape SqliteDataSource::ShapeOf(int index) const {
-  const Column& c = columns_[index];
-  return FieldShape{c.data_type, c.date_kind, c.number_kind};
-}
-
-int SqliteDataSource::IndexOf(const Variant& key) const {
-  if (key.IsString()) {
-    auto it = index_by_name_.find(key.StringValue());
-    if (it == index_by_name_.end()) throw ItemNotFound(key);
-    return it->second;
-  }
-  if (key.IsNumber()) {
-    const double n = key.ToDouble();
-    if (n != std::floor(n) || n < 1 || n > static_cast<double>(columns_.size())) {
-      throw ItemNotFound(key);
-    }
-    return static_cast<int>(n) - 1;
-  }
-  throw Failure(
-      kErrTypeMismatch,
-      "Type mismatch: a field is named by its name or its number, not by " + key.Literal());
-}
-
-std::string SqliteDataSource::Quoted(const Variant& v) const {
-  return v.IsString() ? "\"" + v.StringValue() + "\"" : v.Literal();
-}
-
-void SqliteDataSource::Say(const std::string& text) const {
-  if (dialogs_ != nullptr) dialogs_->MessageBox(kSqliteSourceTitle, text, MessageBoxStyle::kPlain);
-}
-
-bool SqliteDataSource::Refuse(const std::string& text) {
-  Say(text);
-  return true;
-}
-
 // --- Query by example -------------------------------------------------------------------------
 
 bool SqliteDataSource::BuildWhere(const std::vector<std::string>& conditions, Where* where) {
@@ -853,16 +731,79 @@ bool SqliteDataSource::BuildWhere(const std::vector<std::string>& conditions, Wh
   return true;
 }
 
+// --- The set ----------------------------------------------------------------------------------
+
+Variant SqliteDataSource::StoredValue(int index) const {
+  return FromSql(index, current_row_[index]);
+}
+
+void SqliteDataSource::ReadSetFromStart() {
+  Where where;
+  if (!BuildWhere(last_conditions_, &where)) {
+    // A condition that no longer reads lets nothing through.
+    where.sql = "0";
+    where.params.clear();
+  }
+  ClearStatementCache();
+  *where_ = std::move(where);
+  Reread(false);
+}
+
+void SqliteDataSource::ReadSetAgain() { Reread(true); }
+
+void SqliteDataSource::ForgetSet() {
+  current_rowid_ = 0;
+  current_row_.clear();
+  position_ = 0;
+  count_ = 0;
+}
+
+bool SqliteDataSource::FindMoveTarget(MoveTo to, bool again) {
+  // After MoveRecordBefore the row found before still holds unless a listener moved, stored or
+  // closed meanwhile; only then is it looked for again.
+  if (again && current_rowid_ == mark_rowid_ && position_ == mark_position_ &&
+      status_ == mark_status_) {
+    return true;
+  }
+  bool found = false;
+  switch (to) {
+    case MoveTo::kFirst:
+      target_position_ = 1;
+      found = FetchRow(to, 0, &target_rowid_, &target_row_);
+      break;
+    case MoveTo::kLast:
+      target_position_ = count_;
+      found = FetchRow(to, 0, &target_rowid_, &target_row_);
+      break;
+    case MoveTo::kNext:
+      target_position_ = position_ + 1;
+      found = current_rowid_ != 0 && FetchRow(to, current_rowid_, &target_rowid_, &target_row_);
+      break;
+    case MoveTo::kPrevious:
+      target_position_ = position_ - 1;
+      found = current_rowid_ != 0 && FetchRow(to, current_rowid_, &target_rowid_, &target_row_);
+      break;
+  }
+  mark_rowid_ = current_rowid_;
+  mark_position_ = position_;
+  mark_status_ = status_;
+  return found;
+}
+
+void SqliteDataSource::EnterMoveTarget() {
+  current_rowid_ = target_rowid_;
+  current_row_ = std::move(target_row_);
+  position_ = std::max<int32_t>(1, target_position_);
+  // Another user may have added rows since the count was read.
+  if (count_ < position_) count_ = position_;
+}
+
 // --- Storing ----------------------------------------------------------------------------------
 
-int32_t SqliteDataSource::StorePending(bool* status_changed) {
-  *status_changed = false;
-  if (pending_ == Pending::kNone) return 0;
-  if (pending_ == Pending::kChanges && !HasStoredCurrent()) {
-    pending_ = Pending::kNone;
-    pending_values_.clear();
-    return 0;
-  }
+int32_t SqliteDataSource::StoreChanges() { return Store(); }
+int32_t SqliteDataSource::StoreNewRecord() { return Store(); }
+
+int32_t SqliteDataSource::Store() {
   int32_t code = 0;
   std::string failure;
   int64_t new_rowid = 0;
@@ -978,226 +919,11 @@ int32_t SqliteDataSource::StorePending(bool* status_changed) {
     position_ = IsLastRow(new_rowid) ? count_ : static_cast<int32_t>(PositionOf(new_rowid));
     if (position_ < 1) position_ = 1;
     if (count_ < position_) count_ = position_;
-    const int32_t old = status_;
-    if (IsNewRowStatus(status_)) status_ = dsBrowse;
-    *status_changed = old != status_;
   }
-  pending_ = Pending::kNone;
-  pending_values_.clear();
-  std::fill(changed_.begin(), changed_.end(), false);
   return 0;
 }
 
-bool SqliteDataSource::DropPending() {
-  const Pending was = pending_;
-  pending_ = Pending::kNone;
-  pending_values_.clear();
-  std::fill(changed_.begin(), changed_.end(), false);
-  if (was != Pending::kNewRow) return false;
-  current_rowid_ = 0;
-  current_row_.clear();
-  position_ = 0;
-  if (count_ > 0) {
-    int64_t rowid = 0;
-    std::vector<SqlValue> row;
-    if (return_rowid_ != 0 && ReadRowById(return_rowid_, &row)) {
-      current_rowid_ = return_rowid_;
-      position_ = std::min(return_position_, count_);
-    } else if (FetchRow(MoveTo::kFirst, 0, &rowid, &row)) {
-      current_rowid_ = rowid;
-      position_ = 1;
-    }
-    if (current_rowid_ != 0) {
-      current_row_ = std::move(row);
-      if (position_ < 1) position_ = 1;
-    }
-  }
-  const int32_t old = status_;
-  if (IsNewRowStatus(status_)) status_ = dsBrowse;
-  return old != status_;
-}
-
-// --- The contract -----------------------------------------------------------------------------
-
-void SqliteDataSource::Open() {
-  if (!IsClosed()) return;
-  where_->sql.clear();
-  where_->params.clear();
-  ClearStatementCache();
-  std::fill(last_conditions_.begin(), last_conditions_.end(), std::string());
-  Reread(false);
-  status_ = dsBrowse;
-  RaiseSysDataSourceInit();
-  RaiseEditStatusChange();
-}
-
-void SqliteDataSource::Close() {
-  if (IsClosed()) return;
-  pending_ = Pending::kNone;
-  pending_values_.clear();
-  current_rowid_ = 0;
-  current_row_.clear();
-  position_ = 0;
-  count_ = 0;
-  status_ = dsClosed;
-  RaiseEditStatusChange();
-}
-
-int32_t SqliteDataSource::RecordCount() const {
-  if (IsClosed()) return 0;
-  return count_ + (pending_ == Pending::kNewRow ? 1 : 0);
-}
-
-int32_t SqliteDataSource::AbsolutePosition() const { return IsClosed() ? 0 : position_; }
-
-bool SqliteDataSource::Refresh() {
-  if (IsClosed()) return true;
-  const bool status_changed = DropPending();
-  Reread(true);
-  RaiseSysDataSourceRefresh();
-  if (status_changed) RaiseEditStatusChange();
-  return false;
-}
-
-DataSourceField& SqliteDataSource::Fields(const Variant& key) { return *fields_[IndexOf(key)]; }
-
-bool SqliteDataSource::Move(MoveTo to) {
-  if (pending_ == Pending::kNewRow && !IsClosed() && !IsQuery()) {
-    return Refuse(
-        "The new record is not stored yet. Store it or cancel it before moving to "
-        "another record.");
-  }
-  // Finds the target from what holds now: nothing when the set is closed, in a query or empty,
-  // or when the move would pass either end.
-  int64_t rowid = 0;
-  std::vector<SqlValue> row;
-  int32_t to_position = 0;
-  const auto target = [&]() -> bool {
-    if (IsClosed() || IsQuery() || pending_ == Pending::kNewRow || count_ == 0) return false;
-    switch (to) {
-      case MoveTo::kFirst:
-        to_position = 1;
-        return FetchRow(to, 0, &rowid, &row);
-      case MoveTo::kLast:
-        to_position = count_;
-        return FetchRow(to, 0, &rowid, &row);
-      case MoveTo::kNext:
-        to_position = position_ + 1;
-        return current_rowid_ != 0 && FetchRow(to, current_rowid_, &rowid, &row);
-      case MoveTo::kPrevious:
-        to_position = position_ - 1;
-        return current_rowid_ != 0 && FetchRow(to, current_rowid_, &rowid, &row);
-    }
-    return false;
-  };
-  if (!target()) return true;
-  const int64_t before_rowid = current_rowid_;
-  const int32_t before_position = position_;
-  const int32_t before_status = status_;
-  if (RaiseMoveRecordBefore()) return true;
-  // A listener may have moved, stored or closed meanwhile: decide again from what holds now.
-  if (current_rowid_ != before_rowid || position_ != before_position || status_ != before_status) {
-    if (!target()) return true;
-  }
-  bool status_changed = false;
-  if (StorePending(&status_changed) != 0) return true;
-  current_rowid_ = rowid;
-  current_row_ = std::move(row);
-  position_ = std::max<int32_t>(1, to_position);
-  // Another user may have added rows since the count was read.
-  if (count_ < position_) count_ = position_;
-  RaiseSysMoveRecordAfter();
-  return false;
-}
-
-bool SqliteDataSource::MoveFirst() { return Move(MoveTo::kFirst); }
-bool SqliteDataSource::MovePrevious() { return Move(MoveTo::kPrevious); }
-bool SqliteDataSource::MoveNext() { return Move(MoveTo::kNext); }
-bool SqliteDataSource::MoveLast() { return Move(MoveTo::kLast); }
-
-bool SqliteDataSource::RowEditable(int32_t row) const {
-  if (IsClosed()) return false;
-  if (row == 0) row = position_;
-  if (pending_ == Pending::kNewRow && row == position_) return true;
-  return row >= 1 && row <= count_;
-}
-
-int32_t SqliteDataSource::UpdateRecord() {
-  if (pending_ == Pending::kNone || IsClosed() || IsQuery()) return 0;
-  if (read_only_) {
-    Say("The data is read-only: the record cannot be stored.");
-    return 1;
-  }
-  bool status_changed = false;
-  const int32_t code = StorePending(&status_changed);
-  if (code != 0) return code;
-  if (status_changed) RaiseEditStatusChange();
-  RaiseSysUpdateRecordAfter();
-  return 0;
-}
-
-bool SqliteDataSource::SetFieldValue(const Variant& field, const Variant& value, int32_t /*flag*/) {
-  const int index = IndexOf(field);
-  const Column& column = columns_[index];
-  const std::string& name = column.name;
-  if (IsClosed()) return Refuse("No record set is open: " + name + " cannot be changed.");
-  if (IsQuery()) {
-    const std::string text(Trim(value.AsText()));
-    if (!text.empty()) {
-      QueryCondition c;
-      std::string reason;
-      if (!QueryCondition::Parse(text, ShapeOf(index), AllSymbols(), &c, &reason)) {
-        return Refuse("The condition \"" + text + "\" for " + name +
-                      " is not understood: " + reason + ".");
-      }
-    }
-    if (conditions_[index] != text) {
-      conditions_[index] = text;
-      RaiseValueQueryChange(name);
-    }
-    return false;
-  }
-  if (pending_ != Pending::kNewRow && !HasStoredCurrent()) {
-    return Refuse("There is no current record: " + name + " cannot be changed.");
-  }
-  if (read_only_) return Refuse("The data is read-only: " + name + " cannot be changed.");
-  if (!column.updatable) return Refuse(name + " cannot be changed.");
-  if (!RowEditable(0)) return Refuse("This record cannot be changed.");
-  const bool permitted =
-      allow_modify_ || (pending_ == Pending::kNewRow && status_ == dsNewRecord && allow_add_new_) ||
-      (pending_ == Pending::kNewRow && status_ == dsCopyRecord && allow_copy_);
-  if (!permitted) return Refuse("Changing records is not allowed: " + name + " stays as it is.");
-  Variant stored;
-  std::string reason;
-  if (!ReadFieldValue(value, ShapeOf(index), {SymbolOf(index)}, &stored, &reason)) {
-    return Refuse("The value " + Quoted(value) + " cannot be stored in " + name + ": " + reason +
-                  ".");
-  }
-  if (pending_ == Pending::kNone) BeginChanges();
-  const bool currency_changed = !(pending_values_[index] == stored);
-  pending_values_[index] = std::move(stored);
-  changed_[index] = true;
-  RaiseValueChange(Variant(), index + 1);
-  if (currency_changed) {
-    for (int money : money_fields_by_reference_[index]) RaiseSymbolChange(Variant(), money + 1);
-  }
-  return false;
-}
-
-void SqliteDataSource::DeleteRecord() {
-  if (IsClosed()) return (void)Refuse("No record set is open: there is nothing to delete.");
-  if (IsQuery()) return (void)Refuse("Records cannot be deleted while a query is entered.");
-  if (pending_ == Pending::kNewRow) {
-    // A pending new or copied record can always be thrown away.
-    const bool status_changed = DropPending();
-    if (status_changed) RaiseEditStatusChange();
-    RaiseSysDeleteRecordAfter();
-    return;
-  }
-  if (!HasStoredCurrent()) return (void)Refuse("There is no record to delete.");
-  if (read_only_) return (void)Refuse("The data is read-only: the record cannot be deleted.");
-  if (!allow_delete_) return (void)Refuse("Deleting records is not allowed.");
-  if (!RowEditable(0)) return (void)Refuse("This record cannot be deleted.");
+bool SqliteDataSource::DeleteStoredCurrent() {
   std::string failure;
   try {
     ExecuteSql(db_, "BEGIN IMMEDIATE", "begin deleting the record in \"" + table_ + "\"");
@@ -1227,11 +953,11 @@ void SqliteDataSource::DeleteRecord() {
     if (sqlite3_get_autocommit(db_) == 0) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
     failure = "The record could not be deleted. " + f.Description();
   }
-  if (!failure.empty()) return (void)Refuse(failure);
+  if (!failure.empty()) {
+    Say(failure);
+    return false;
+  }
 
-  pending_ = Pending::kNone;
-  pending_values_.clear();
-  std::fill(changed_.begin(), changed_.end(), false);
   const int64_t deleted = current_rowid_;
   --count_;
   int64_t rowid = 0;
@@ -1250,124 +976,36 @@ void SqliteDataSource::DeleteRecord() {
     position_ = 0;
     count_ = 0;
   }
-  RaiseSysDeleteRecordAfter();
+  return true;
 }
 
-void SqliteDataSource::CopyRecord() {
-  if (IsClosed()) return (void)Refuse("No record set is open: there is nothing to copy.");
-  if (IsQuery()) return (void)Refuse("Records cannot be copied while a query is entered.");
-  if (read_only_) return (void)Refuse("The data is read-only: no record can be added.");
-  if (!allow_copy_) return (void)Refuse("Copying records is not allowed.");
-  if (pending_ != Pending::kNewRow && !HasStoredCurrent()) {
-    return (void)Refuse("There is no record to copy.");
+void SqliteDataSource::ReturnFromNewRecord(int64_t key, int32_t position) {
+  current_rowid_ = 0;
+  current_row_.clear();
+  position_ = 0;
+  if (count_ > 0) {
+    int64_t rowid = 0;
+    std::vector<SqlValue> row;
+    if (key != 0 && ReadRowById(key, &row)) {
+      current_rowid_ = key;
+      position_ = std::min(position, count_);
+    } else if (FetchRow(MoveTo::kFirst, 0, &rowid, &row)) {
+      current_rowid_ = rowid;
+      position_ = 1;
+    }
+    if (current_rowid_ != 0) {
+      current_row_ = std::move(row);
+      if (position_ < 1) position_ = 1;
+    }
   }
-  std::vector<Variant> values;
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    values.push_back(columns_[i].rowid_alias ? Variant::Null() : CurrentValue(static_cast<int>(i)));
-  }
-  const int32_t old = status_;
-  bool ignored = false;
-  if (StorePending(&ignored) != 0) return;
-  return_rowid_ = current_rowid_;
-  return_position_ = position_;
-  pending_values_ = std::move(values);
-  pending_ = Pending::kNewRow;
-  position_ = count_ + 1;
-  status_ = dsCopyRecord;
-  if (old != status_) RaiseEditStatusChange();
-  RaiseSysCopyRecordAfter();
 }
 
-void SqliteDataSource::NewRecord(int32_t /*flag*/, const Variant& /*optional*/) {
-  if (IsClosed()) return (void)Refuse("No record set is open: no record can be added.");
-  if (IsQuery()) return (void)Refuse("Records cannot be added while a query is entered.");
-  if (read_only_) return (void)Refuse("The data is read-only: no record can be added.");
-  if (!allow_add_new_) return (void)Refuse("Adding records is not allowed.");
-  const int32_t old = status_;
-  bool ignored = false;
-  if (StorePending(&ignored) != 0) return;
-  return_rowid_ = current_rowid_;
-  return_position_ = position_;
-  pending_values_.assign(columns_.size(), Variant::Null());
-  pending_ = Pending::kNewRow;
-  position_ = count_ + 1;
-  status_ = dsNewRecord;
-  if (old != status_) RaiseEditStatusChange();
-  RaiseSysNewRecordAfter();
-}
-
-void SqliteDataSource::UndoRecord() {
-  if (IsClosed() || IsQuery()) return;
-  const bool status_changed = DropPending();
-  if (status_changed) RaiseEditStatusChange();
-  RaiseSysUndoRecordAfter();
-}
-
-bool SqliteDataSource::EnterQuery(bool refine) {
-  if (IsClosed()) return Refuse("No record set is open: there is nothing to query.");
-  if (refine ? RaiseRefineQueryBefore() : RaiseNewQueryBefore()) return true;
-  if (IsClosed()) return true;
-  const int32_t old = status_;
-  if (!IsQuery()) {
-    bool ignored = false;
-    if (StorePending(&ignored) != 0) return true;
-    query_return_rowid_ = current_rowid_;
-    query_return_position_ = position_;
-  }
-  if (refine) {
-    conditions_ = last_conditions_;
-  } else {
-    std::fill(conditions_.begin(), conditions_.end(), std::string());
-  }
-  status_ = dsQuery;
-  if (old != status_) RaiseEditStatusChange();
-  if (refine) {
-    RaiseSysRefineQueryAfter();
-  } else {
-    RaiseSysNewQueryAfter();
-  }
-  return false;
-}
-
-bool SqliteDataSource::NewQuery() { return EnterQuery(false); }
-bool SqliteDataSource::RefineQuery() { return EnterQuery(true); }
-
-bool SqliteDataSource::ExecuteQuery() {
-  if (IsClosed()) return Refuse("No record set is open: there is nothing to query.");
-  if (RaiseExecuteQueryBefore()) return true;
-  if (IsClosed()) return true;
-  const int32_t old = status_;
-  if (IsQuery()) {
-    last_conditions_ = conditions_;
-  } else {
-    bool ignored = false;
-    if (StorePending(&ignored) != 0) return true;
-  }
-  Where where;
-  if (!BuildWhere(last_conditions_, &where)) {
-    // A condition that no longer reads lets nothing through.
-    where.sql = "0";
-    where.params.clear();
-  }
-  ClearStatementCache();
-  *where_ = std::move(where);
-  Reread(false);
-  status_ = dsBrowse;
-  RaiseSysDataSourceRefresh();
-  if (old != status_) RaiseEditStatusChange();
-  return false;
-}
-
-void SqliteDataSource::CancelQuery() {
-  if (!IsQuery()) return;
-  if (RaiseCancelQueryBefore()) return;
-  if (!IsQuery()) return;
-  std::fill(conditions_.begin(), conditions_.end(), std::string());
+void SqliteDataSource::ReturnFromQuery(int64_t key, int32_t position) {
   std::vector<SqlValue> row;
-  if (query_return_rowid_ != 0 && ReadRowById(query_return_rowid_, &row)) {
-    current_rowid_ = query_return_rowid_;
+  if (key != 0 && ReadRowById(key, &row)) {
+    current_rowid_ = key;
     current_row_ = std::move(row);
-    position_ = std::min(query_return_position_, count_);
+    position_ = std::min(position, count_);
     if (position_ < 1 && count_ > 0) position_ = 1;
   } else {
     int64_t rowid = 0;
@@ -1381,20 +1019,6 @@ void SqliteDataSource::CancelQuery() {
       position_ = 0;
     }
   }
-  status_ = dsBrowse;
-  RaiseEditStatusChange();
-  RaiseSysCancelQueryAfter();
-}
-
-void SqliteDataSource::ParseFieldValue(const Variant& field, Variant& value, int32_t /*flag*/) {
-  const int index = IndexOf(field);
-  Variant parsed;
-  std::string reason;
-  if (!ReadFieldValue(value, ShapeOf(index), {SymbolOf(index)}, &parsed, &reason)) {
-    throw Failure(kErrTypeMismatch, "Type mismatch: " + Quoted(value) + " is no value for " +
-                                        columns_[index].name + " (" + reason + ")");
-  }
-  value = std::move(parsed);
 }
 
 }  // namespace tarnsheets

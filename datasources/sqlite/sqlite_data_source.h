@@ -1,7 +1,8 @@
 // SqliteDataSource: the data-source contract answered from a table of a SQLite database file.
 //
 // It raises the same signals in the same order as the memory source and refuses the same things
-// with the same texts, so that a sheet cannot tell the two apart. What is particular to it:
+// with the same texts, so that a sheet cannot tell the two apart: both run the status machine of
+// RecordSource (datasources/common/record_source.h). What is particular to it:
 //
 // Bounded memory and cost. The table is never loaded. The source holds the current row only (and
 // the pending one); a move reads one row through the rowid index ("the next row after rowid r
@@ -55,6 +56,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "datasources/common/record_source.h"
 #include "datasources/memory/value_text.h"
 #include "tarnsheets/data_source.h"
 #include "tarnsheets/dialogs.h"
@@ -90,7 +92,7 @@ struct SqliteSourceOptions {
   std::string currency_symbol_column = "Symbol";
 };
 
-class SqliteDataSource final : public DataSource {
+class SqliteDataSource final : public RecordSource {
  public:
   // Opens `path` (a file name or a "file:" URI) and reads the columns of `table`, closed (status
   // 99). Fails with Failure(kErrDatabase) naming the file and SQLite's message when the file
@@ -101,17 +103,15 @@ class SqliteDataSource final : public DataSource {
                                                   SqliteSourceOptions options = {});
   ~SqliteDataSource() override;
 
-  void SetDialogs(Dialogs* dialogs) { dialogs_ = dialogs; }
+  // SetDialogs(Dialogs*) of RecordSource sets where refusals are shown.
 
-  // --- Life cycle.
-  // Opens the set: status 99 to 0 on the first record, then SysDataSourceInit and
-  // EditStatusChange. Does nothing when already open. A read failure throws as described above.
-  void Open();
-  // Closes: any pending record or change is dropped, status 99, EditStatusChange.
-  void Close();
+  // --- Life cycle: Open() and Close() of RecordSource.
+  // Open opens the set: status 99 to 0 on the first record, then SysDataSourceInit and
+  // EditStatusChange; it does nothing when already open. A read failure throws as described
+  // above. Close drops any pending record or change, sets status 99 and raises EditStatusChange.
 
-  // True while a change of the current record or a new or copied record is pending.
-  bool HasPendingRecord() const { return pending_ != Pending::kNone; }
+  // HasPendingRecord() of RecordSource: true while a change of the current record or a new or
+  // copied record is pending.
   // The table's name.
   const std::string& TableName() const { return table_; }
   // The rowid of the current stored record, 0 when there is none.
@@ -121,43 +121,29 @@ class SqliteDataSource final : public DataSource {
   // The source's connection, for benchmarks that compare with raw SQLite on the same settings.
   sqlite3* ConnectionForTest() const { return db_; }
 
-  // --- The contract.
-  bool AllowAddNew() const override { return allow_add_new_; }
-  void SetAllowAddNew(bool allow) override { allow_add_new_ = allow; }
-  bool AllowCopy() const override { return allow_copy_; }
-  void SetAllowCopy(bool allow) override { allow_copy_ = allow; }
-  bool AllowDelete() const override { return allow_delete_; }
-  void SetAllowDelete(bool allow) override { allow_delete_ = allow; }
-  bool AllowModify() const override { return allow_modify_; }
-  void SetAllowModify(bool allow) override { allow_modify_ = allow; }
-  bool ReadOnly() const override { return read_only_; }
-  int32_t SelectRowsStatus() const override { return 0; }
-  int32_t EditStatus() const override { return status_; }
-  int32_t RecordCount() const override;
-  int32_t AbsolutePosition() const override;
-  bool Refresh() override;
-  DataSourceField& Fields(const Variant& key) override;
-  int32_t FieldCount() const override { return static_cast<int32_t>(columns_.size()); }
-  bool MoveFirst() override;
-  bool MovePrevious() override;
-  bool MoveNext() override;
-  bool MoveLast() override;
-  bool RowEditable(int32_t row) const override;
-  int32_t UpdateRecord() override;
-  bool SetFieldValue(const Variant& field, const Variant& value, int32_t flag = 0) override;
-  void DeleteRecord() override;
-  void CopyRecord() override;
-  void NewRecord(int32_t flag = 0, const Variant& optional = Variant()) override;
-  void UndoRecord() override;
-  bool NewQuery() override;
-  bool RefineQuery() override;
-  bool ExecuteQuery() override;
-  void CancelQuery() override;
-  void ParseFieldValue(const Variant& field, Variant& value, int32_t flag = 0) override;
+  // --- The contract: RecordSource's.
 
  private:
-  class Field;
-  friend class Field;
+  // --- Storage over the table: RecordSource's storage operations.
+  int32_t StoredCount() const override { return count_; }
+  bool HasStoredCurrent() const override {
+    return pending_ != Pending::kNewRow && current_rowid_ != 0;
+  }
+  Variant StoredValue(int index) const override;
+  bool StoredRowEditable(int32_t row) const override { return row >= 1 && row <= count_; }
+  int64_t CurrentKey() const override { return current_rowid_; }
+  // A copied record gets a key of its own.
+  bool CopiesField(int index) const override { return !columns_[index].rowid_alias; }
+  void ReadSetFromStart() override;
+  void ReadSetAgain() override;
+  void ForgetSet() override;
+  bool FindMoveTarget(MoveTo to, bool again) override;
+  void EnterMoveTarget() override;
+  int32_t StoreChanges() override;
+  int32_t StoreNewRecord() override;
+  bool DeleteStoredCurrent() override;
+  void ReturnFromNewRecord(int64_t key, int32_t position) override;
+  void ReturnFromQuery(int64_t key, int32_t position) override;
 
   struct Column {
     std::string name;
@@ -168,10 +154,7 @@ class SqliteDataSource final : public DataSource {
     bool updatable = true;
     bool rowid_alias = false;  // the INTEGER PRIMARY KEY column
     std::string reference;
-    int reference_index = -1;
   };
-  enum class Pending { kNone, kChanges, kNewRow };
-  enum class MoveTo { kFirst, kPrevious, kNext, kLast };
   // The WHERE clause of the executed query: SQL of column names and '?' only, and its values.
   struct Where {
     std::string sql;  // empty: every row
@@ -184,20 +167,15 @@ class SqliteDataSource final : public DataSource {
   void ReadSymbols();
   void PrepareCounter();
 
-  bool IsClosed() const { return status_ == dsClosed; }
-  bool IsQuery() const { return status_ == dsQuery; }
-  bool HasStoredCurrent() const { return pending_ != Pending::kNewRow && current_rowid_ != 0; }
-  Variant CurrentValue(int index) const;
-  std::string SymbolOf(int index) const;
-  std::vector<std::string> AllSymbols() const;
-  FieldShape ShapeOf(int index) const;
-  int IndexOf(const Variant& key) const;
-
   // Reading rows. `Fetch` runs a cached statement "SELECT rowid, columns FROM table WHERE
   // <where> [AND rowid > / < ?] ORDER BY rowid [DESC] LIMIT 1" and makes the row found current.
   // Returns false (and changes nothing) when there is none.
   bool FetchRow(MoveTo to, int64_t from_rowid, int64_t* rowid, std::vector<SqlValue>* row);
   bool ReadRowById(int64_t rowid, std::vector<SqlValue>* row);
+  // Steps `statement`, a SELECT of column_list_ whose parameters are bound: false when it finds
+  // no row, otherwise the row's rowid (unless `rowid` is nullptr) and values. Fails with
+  // Failure(kErrDatabase).
+  bool StepRow(sqlite3_stmt* statement, int64_t* rowid, std::vector<SqlValue>* row);
   bool RowPassesWhere(int64_t rowid);
   bool IsLastRow(int64_t rowid);
   int64_t CountRows();
@@ -210,22 +188,13 @@ class SqliteDataSource final : public DataSource {
   // Reads the set again from the database: count, then the current row (or the first one).
   void Reread(bool keep_current);
 
-  bool Move(MoveTo to);
-  // Makes a pending change of the current record from its values as read.
-  void BeginChanges();
-  // Stores what is pending in one transaction, without any signal. Returns 0 on success (and
-  // sets *status_changed when a new record ends status 4 or 5); otherwise shows why, leaves the
-  // record pending and returns 1 for a conflict with another user or SQLite's result code.
-  int32_t StorePending(bool* status_changed);
-  // Drops what is pending. Returns true when the status number changed.
-  bool DropPending();
-  bool EnterQuery(bool refine);
+  // Stores what is pending (a change or a new record) in one transaction. Returns 0 on success,
+  // with the stored row current; otherwise shows why, leaves the record pending and returns 1
+  // for a conflict with another user or SQLite's result code.
+  int32_t Store();
   // Translates query conditions into *where; false when one of them does not read.
   bool BuildWhere(const std::vector<std::string>& conditions, Where* where);
 
-  bool Refuse(const std::string& text);
-  void Say(const std::string& text) const;
-  std::string Quoted(const Variant& v) const;
   SqlValue ToSql(int index, const Variant& value) const;
   Variant FromSql(int index, const SqlValue& value) const;
 
@@ -237,39 +206,24 @@ class SqliteDataSource final : public DataSource {
   std::string column_list_;  // "rowid", then every column, quoted
   SqliteSourceOptions options_;
   std::vector<Column> columns_;
-  std::vector<std::unique_ptr<Field>> fields_;
-  std::unordered_map<std::string, int> index_by_name_;
-  std::vector<std::vector<int>> money_fields_by_reference_;
-  std::map<std::string, std::string> symbols_;  // currency code to symbol
   bool has_counter_ = false;
   // Prepared statements by SQL text, and the four moves of the executed query among them.
   std::unordered_map<std::string, sqlite3_stmt*> statements_;
   sqlite3_stmt* move_statements_[4] = {nullptr, nullptr, nullptr, nullptr};
 
-  // State; every signal is raised only after these hold their new values.
-  int32_t status_ = dsClosed;
+  // The set as read; every signal is raised only after these hold their new values.
   int64_t current_rowid_ = 0;          // 0: no stored record is current
   std::vector<SqlValue> current_row_;  // the current row as read
-  int32_t position_ = 0;               // 1-based; count + 1 for a pending new row
   int32_t count_ = 0;                  // rows in the set
-  Pending pending_ = Pending::kNone;
-  std::vector<Variant> pending_values_;
-  std::vector<bool> changed_;            // columns changed by the pending change
-  int64_t return_rowid_ = 0;             // where UndoRecord of a new row goes back to
-  int32_t return_position_ = 0;          //
-  int64_t query_return_rowid_ = 0;       // where CancelQuery goes back to
-  int32_t query_return_position_ = 0;    //
-  std::vector<std::string> conditions_;  // being entered in status 1
-  std::vector<std::string> last_conditions_;
   std::unique_ptr<Where> where_;
 
-  bool allow_add_new_ = true;
-  bool allow_copy_ = true;
-  bool allow_delete_ = true;
-  bool allow_modify_ = true;
-  bool read_only_ = false;
-
-  Dialogs* dialogs_ = nullptr;
+  // The target of a move, found by FindMoveTarget, and what held when it was found.
+  int64_t target_rowid_ = 0;
+  std::vector<SqlValue> target_row_;
+  int32_t target_position_ = 0;
+  int64_t mark_rowid_ = 0;
+  int32_t mark_position_ = 0;
+  int32_t mark_status_ = dsClosed;
 };
 
 }  // namespace tarnsheets

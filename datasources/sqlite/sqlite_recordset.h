@@ -37,19 +37,17 @@ class SqliteRecordset final : public Recordset {
 
  private:
   SqliteRecordset(sqlite3* db, std::string query);
-  int32_t FindColumn(const std::string& name) const;
-  std::vector<int> ResolveFields(const std::vector<Variant>& fields) const;
   // Runs the query and calls `row(visible_index)` for each row that passes `filter`, until it
   // returns false. Returns the number of rows that passed.
   template <typename Fn>
-  int32_t Scan(const RecordsetFilter& filter, const std::vector<int>& filter_columns, Fn&& row);
+  int32_t Scan(const RecordsetFilter& filter, const std::vector<size_t>& filter_columns, Fn&& row);
 
   sqlite3* db_;
   std::string query_;
   std::vector<std::string> columns_;
   Variant filter_text_ = Variant(int32_t{0});
   RecordsetFilter filter_;
-  std::vector<int> filter_columns_;
+  std::vector<size_t> filter_columns_;
   int32_t count_ = 0;
   int32_t position_ = 0;  // index among the rows that pass
 };
