@@ -6,6 +6,9 @@
 #include <utility>
 
 #include "apps/script/json_bag.h"
+#ifdef TARNSHEETS_SCRIPT_WITH_SQLITE
+#include "datasources/sqlite/sqlite_data_source.h"
+#endif
 #include "apps/script/titles_reader.h"
 #include "datasources/memory/memory_fixture.h"
 #include "editors/sf_check.h"
@@ -198,8 +201,16 @@ ControlAdapter& ScriptHost::RequireControl(const std::string& verb) {
   return *control_;
 }
 
+RecordSource& ScriptHost::RequireSource(const std::string& verb) {
+  if (!source_.owned) throw ScriptError(verb + ": no data source; `source memory FILE` first");
+  return *source_.owned;
+}
+
 MemoryDataSource& ScriptHost::RequireMemorySource(const std::string& verb) {
-  if (!source_.memory) throw ScriptError(verb + ": no data source; `source memory FILE` first");
+  RequireSource(verb);
+  if (source_.memory == nullptr) {
+    throw ScriptError(verb + ": a test setting of the in-memory source; this source is SQLite");
+  }
   return *source_.memory;
 }
 
@@ -219,7 +230,8 @@ void ScriptHost::DestroyControl() {
 
 void ScriptHost::ReleaseSource() {
   source_.tracer.reset();
-  source_.memory.reset();
+  source_.memory = nullptr;
+  source_.owned.reset();
 }
 
 void ScriptHost::DoScreen(const std::vector<Token>& args) {
@@ -273,30 +285,45 @@ void ScriptHost::DoSource(const std::vector<Token>& args) {
     RequireControl("source").SetDataSource(nullptr);
     return;
   }
-  if (args[0].IsWord("sqlite")) {
-    NeedArgs(args, 3, 3, "source sqlite DBFILE TABLE");
-    throw ScriptError("source sqlite: this tarnsheets-script is not built with SQLite");
-  }
-  if (!args[0].IsWord("memory")) {
+  if (!args[0].IsWord("sqlite") && !args[0].IsWord("memory")) {
     throw ScriptError("unknown kind of source " + kind + " (memory, sqlite or nothing)");
   }
-  NeedArgs(args, 2, 3, "source memory FILE [closed]");
-  if (args.size() == 3 && !args[2].IsWord("closed")) {
-    throw ScriptError("usage: source memory FILE [closed]");
-  }
   ControlAdapter& control = RequireControl("source");
-  const std::string name = TextArgument(args[1]);
-  const std::string json = ReadFile(name);
   Source next;
-  try {
-    next.memory = MemoryFixtureFromText(json, name, &toolkit_);
-  } catch (const Failure& failure) {
-    throw ScriptError(failure.Description());
+  bool open = true;
+  if (args[0].IsWord("sqlite")) {
+    NeedArgs(args, 3, 3, "source sqlite DBFILE TABLE");
+#ifdef TARNSHEETS_SCRIPT_WITH_SQLITE
+    const std::string file = TextArgument(args[1]);
+    if (!std::ifstream(PathOf(file))) throw ScriptError("cannot read file " + file);
+    try {
+      next.owned = SqliteDataSource::Create(PathOf(file), TextArgument(args[2]), &toolkit_);
+    } catch (const Failure& failure) {
+      throw ScriptError(failure.Description());
+    }
+#else
+    throw ScriptError("source sqlite: this tarnsheets-script is not built with SQLite");
+#endif
+  } else {
+    NeedArgs(args, 2, 3, "source memory FILE [closed]");
+    if (args.size() == 3 && !args[2].IsWord("closed")) {
+      throw ScriptError("usage: source memory FILE [closed]");
+    }
+    open = args.size() == 2;
+    const std::string name = TextArgument(args[1]);
+    const std::string json = ReadFile(name);
+    try {
+      std::unique_ptr<MemoryDataSource> memory = MemoryFixtureFromText(json, name, &toolkit_);
+      next.memory = memory.get();
+      next.owned = std::move(memory);
+    } catch (const Failure& failure) {
+      throw ScriptError(failure.Description());
+    }
   }
-  DataSource* bound = next.memory.get();
+  DataSource* bound = next.owned.get();
   if (options_.trace_ds) {
     next.tracer = std::make_unique<TracingDataSource>(
-        *next.memory, [this](const std::string& line) { Emit(line); });
+        *next.owned, [this](const std::string& line) { Emit(line); });
     bound = next.tracer.get();
   }
   // The control leaves the old source before it is released.
@@ -309,8 +336,8 @@ void ScriptHost::DoSource(const std::vector<Token>& args) {
     throw;
   }
   old.tracer.reset();
-  old.memory.reset();
-  if (args.size() == 2) source_.memory->Open();
+  old.owned.reset();
+  if (open) source_.owned->Open();
 }
 
 // --- Properties and methods of the control.
@@ -584,24 +611,26 @@ std::string ScriptHost::AnswerPopup(const Menu& menu) {
 
 void ScriptHost::DoDs(const std::vector<Token>& args) {
   NeedArgs(args, 1, 8, "ds OP [ARG ...]");
-  MemoryDataSource& source = RequireMemorySource("ds");
+  RecordSource& source = RequireSource("ds");
   const std::string op = args[0].text;
   auto need = [&](size_t min, size_t max, const char* usage) { NeedArgs(args, min, max, usage); };
   if (op == "field") return DoDsField(args);
   if (op == "force") return DoDsForce(args);
   if (op == "refuse" || op == "accept") {
     need(2, 2, "ds refuse FIELD | ds accept FIELD");
+    MemoryDataSource& memory = RequireMemorySource("ds " + op);
     if (op == "refuse") {
-      source.RefuseField(TextArgument(args[1]));
+      memory.RefuseField(TextArgument(args[1]));
     } else {
-      source.AcceptField(TextArgument(args[1]));
+      memory.AcceptField(TextArgument(args[1]));
     }
     return;
   }
   if (op == "fail") {
     need(4, 4, "ds fail OP NUMBER \"DESCRIPTION\"");
     const int32_t number = ParseValue(args[2]).ToLong();
-    source.FailNextCall(TextArgument(args[1]), number, ParseValue(args[3]).ToText());
+    RequireMemorySource("ds fail").FailNextCall(TextArgument(args[1]), number,
+                                                ParseValue(args[3]).ToText());
     return;
   }
   // Permissions: read without a value, set with one.
@@ -680,7 +709,7 @@ void ScriptHost::DoDs(const std::vector<Token>& args) {
 
 void ScriptHost::DoDsField(const std::vector<Token>& args) {
   NeedArgs(args, 3, 4, "ds field NAME PROP | ds field NAME SetValue VALUE");
-  DataSourceField& field = RequireMemorySource("ds field").Fields(KeyArgument(args[1]));
+  DataSourceField& field = RequireSource("ds field").Fields(KeyArgument(args[1]));
   const std::string prop = args[2].text;
   if (prop == "SetValue") {
     NeedArgs(args, 4, 4, "ds field NAME SetValue VALUE");

@@ -28,6 +28,7 @@
 #include "apps/script/control_adapter.h"
 #include "apps/script/script_lexer.h"
 #include "apps/script/tracing_data_source.h"
+#include "datasources/common/record_source.h"
 #include "datasources/memory/memory_data_source.h"
 #include "tarnsheets/sheet.h"
 #include "toolkits/headless/headless_toolkit.h"
@@ -71,7 +72,8 @@ class ScriptHost : private SheetEvents {
   // The data source of the script: the in-memory source, and the tracer that the control is
   // given instead with --trace-ds. The tracer goes first when the two are released.
   struct Source {
-    std::unique_ptr<MemoryDataSource> memory;
+    std::unique_ptr<RecordSource> owned;  // the in-memory or the SQLite source
+    MemoryDataSource* memory = nullptr;   // the same object when it is the in-memory source
     std::unique_ptr<TracingDataSource> tracer;
   };
   // What the host does on an event.
@@ -107,6 +109,7 @@ class ScriptHost : private SheetEvents {
   void DoCount(const std::vector<Token>& args);
 
   ControlAdapter& RequireControl(const std::string& verb);
+  RecordSource& RequireSource(const std::string& verb);
   MemoryDataSource& RequireMemorySource(const std::string& verb);
   std::shared_ptr<Control> Resolve(const Token& token);
   std::string ReadFile(const std::string& name) const;

@@ -19,6 +19,11 @@ name=$3
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cp -R "$dir"/. "$work"/
+# SQLite fixtures stand as SQL text beside the scripts and become databases in the scratch copy.
+for sql in "$work"/fixtures/*.sql; do
+  [ -e "$sql" ] || continue
+  sqlite3 "${sql%.sql}.db" < "$sql" || { echo "golden: cannot build ${sql##*/}" >&2; exit 1; }
+done
 
 args=()
 if [ -f "$dir/$name.args" ]; then
