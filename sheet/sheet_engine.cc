@@ -38,36 +38,36 @@ namespace {
 
 // The reduced forms in the entity form's terms: what the shared procedures read (class name, size,
 // colours, font, rows, sentinels, option record).
-std::unique_ptr<const FormTable> AppointmentAsForm(const AppointmentFormTable& form) {
+// The part of a reduced form that reads like an entity form: class name, size, font, no picture.
+template <typename Reduced>
+std::unique_ptr<FormTable> FormOf(const Reduced& form, OptionRecord options) {
   auto table = std::make_unique<FormTable>();
   table->class_name = form.class_name;
   table->width = form.width;
   table->height = form.height;
-  table->back_color = form.back_color;
   table->font = form.font;
   table->picture = Glyph::kNone;
+  table->options = options;
+  return table;
+}
+
+std::unique_ptr<const FormTable> AppointmentAsForm(const AppointmentFormTable& form) {
+  // After an update the record is shown again only while nothing is pending.
+  std::unique_ptr<FormTable> table =
+      FormOf(form, OptionRecord{/*CaptionMenu=*/false, /*RedrawOnlyWhenIdle=*/true,
+                                /*StatusElseArm=*/false, /*NegativeCountShows=*/false,
+                                /*CaptionSpaceFollows=*/false, /*NewRecordEvent=*/false,
+                                /*CaptionDefault=*/""});
+  table->back_color = form.back_color;
   table->fixed.Pic_TableStart = form.Pic_TableStart;
   table->fixed.Pic_TableUp = form.Pic_TableUp;
   table->fixed.Pic_TableDown = form.Pic_TableDown;
   table->rows = form.rows;
-  // After an update the record is shown again only while nothing is pending.
-  table->options =
-      OptionRecord{/*CaptionMenu=*/false,         /*RedrawOnlyWhenIdle=*/true,
-                   /*StatusElseArm=*/false,       /*NegativeCountShows=*/false,
-                   /*CaptionSpaceFollows=*/false, /*NewRecordEvent=*/false,
-                   /*CaptionDefault=*/""};
   return table;
 }
 
 std::unique_ptr<const FormTable> CurrencyAsForm(const CurrencyFormTable& form) {
-  auto table = std::make_unique<FormTable>();
-  table->class_name = form.class_name;
-  table->width = form.width;
-  table->height = form.height;
-  table->font = form.font;
-  table->picture = Glyph::kNone;
-  table->options = OptionRecord{false, false, false, false, false, false, ""};
-  return table;
+  return FormOf(form, OptionRecord{false, false, false, false, false, false, ""});
 }
 
 }  // namespace
