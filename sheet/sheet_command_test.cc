@@ -286,9 +286,9 @@ TEST_F(RecordButtonTest, RefusedValueAtTheButtonsFocusMarksItAndStopsTheClick) {
   // A click that does not move the focus finds the mark of the last time.
   engine_->RecordButton_Click(engine_->Cmd_NewRecord(), &SheetEngine::mnu_NewRecord_Click);
   EXPECT_EQ(spy_->EditStatus(), dsBrowse);
-  // The mark goes when the focus leaves the button.
+  // The refusal put the data source's value back, so the next save at the button's focus goes
+  // through and takes the mark off.
   engine_->Cmd_NewRecord().SetFocus();
-  ClickInto("F_UPREFIX");
   EXPECT_EQ(engine_->Cmd_NewRecord().Tag(), "");
 }
 
@@ -357,7 +357,14 @@ TEST_F(RecordButtonTest, MenuEntriesEndSilentlyOnFailure) {
   spy_->FailNextCall("NewRecord", 3251, "Operation is not supported.");
   engine_->mnu_NewRecord_Click();
   EXPECT_TRUE(reports_.empty());
+  EXPECT_TRUE(boxes_.empty());
+  EXPECT_EQ(spy_->EditStatus(), dsBrowse);
+  // Through ControlCommand the menu entry's own silent end comes first, so the command does not
+  // count as failed.
+  spy_->FailNextCall("NewRecord", 3251, "Operation is not supported.");
   EXPECT_FALSE(sheet_->ControlCommand("Add New Record"));
+  EXPECT_TRUE(reports_.empty());
+  EXPECT_EQ(spy_->EditStatus(), dsBrowse);
 }
 
 }  // namespace

@@ -28,10 +28,6 @@ void ApplyFixed(Control& control, const FixedControl& spec) {
   control.SetEnabled(spec.enabled);
 }
 
-void MoveTo(Control& control, const DesignRect& rect) {
-  control.Move(rect.Left, rect.Top, rect.Width, rect.Height);
-}
-
 }  // namespace
 
 namespace {

@@ -28,6 +28,11 @@
 
 namespace tarnsheets {
 
+// Places a control at its designed rectangle.
+inline void MoveTo(Control& control, const DesignRect& rect) {
+  control.Move(rect.Left, rect.Top, rect.Width, rect.Height);
+}
+
 // Which public control an engine is. The entity sheets are the engine in full; `Appointment` is
 // the same engine with the caption strip, the record buttons, the menu, the host commands, the
 // status engine and the layout taken out; `Currency` keeps only a list of rows that it builds from

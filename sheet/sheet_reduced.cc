@@ -9,14 +9,6 @@
 
 namespace tarnsheets {
 
-namespace {
-
-void MoveTo(Control& control, const DesignRect& rect) {
-  control.Move(rect.Left, rect.Top, rect.Width, rect.Height);
-}
-
-}  // namespace
-
 // ---------------------------------------------------------------------------------------------
 // Appointment
 

@@ -311,11 +311,33 @@ TEST_F(ValueEventsTest, ChangeOfAnInactiveEditorTellsTheHostButLeavesTheEditStat
 TEST_F(ValueEventsTest, SuccessfulSaveOnLeavingClearsTheEditStateAndTellsTheHostTwice) {
   Start();
   TypeOver("F_UPREFIX", "s");
+  ASSERT_EQ(engine_->TextEditState(), 1);
+  const int32_t index = TextIndexOf("F_UPREFIX");
   host_.events.clear();
-  toolkit_.PressTab();
+  // Validate saves and tells the host; LostFocus finds nothing changed and tells it again.
+  bool cancel = false;
+  engine_->Txt_Value_Validate(index, cancel);
+  EXPECT_FALSE(cancel);
   EXPECT_EQ(engine_->TextEditState(), 0);
-  // Validate saves and tells; LostFocus finds nothing changed and tells again.
-  EXPECT_GE(host_.Count("SheetStatusChange"), 2);
+  ASSERT_FALSE(host_.events.empty());
+  EXPECT_EQ(host_.HostEvents(), std::vector<std::string>{"Text F_UPREFIX=s"});
+  EXPECT_EQ(host_.events.back(), "SheetStatusChange");
+  host_.events.clear();
+  engine_->Txt_Value_LostFocus(index);
+  EXPECT_EQ(host_.events, std::vector<std::string>{"SheetStatusChange"});
+}
+
+TEST_F(ValueEventsTest, FailedSaveOnLeavingKeepsTheEditStateAndTellsNothing) {
+  Start();
+  spy_->RefuseField("F_UPREFIX");
+  TypeOver("F_UPREFIX", "s");
+  const int32_t index = TextIndexOf("F_UPREFIX");
+  host_.events.clear();
+  bool cancel = false;
+  engine_->Txt_Value_Validate(index, cancel);
+  EXPECT_TRUE(cancel);
+  EXPECT_EQ(engine_->TextEditState(), 1);
+  for (const std::string& e : host_.events) EXPECT_NE(e.rfind("Text ", 0), 0u) << e;
 }
 
 TEST_F(ValueEventsTest, EscInQueryModeLeavesQueryModeWhateverWasTyped) {
