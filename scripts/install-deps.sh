@@ -12,7 +12,7 @@ packages=(
 for extra in "$@"; do
   case "$extra" in
     qt) packages+=(qt6-base-dev libqt6sql6 libqt6sql6-sqlite libgl1-mesa-dev fonts-noto-cjk
-                   fonts-dejavu-core) ;;
+                   fonts-dejavu-core fonts-liberation2 fonts-arphic-gbsn00lp fonts-arphic-uming) ;;
     *) echo "install-deps: unknown extra '$extra'" >&2; exit 2 ;;
   esac
 done

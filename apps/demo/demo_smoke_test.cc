@@ -11,7 +11,11 @@
 #include <string>
 
 #include <QAction>
+#include <QCalendarWidget>
+#include <QGuiApplication>
 #include <QLabel>
+#include <QMenu>
+#include <QScreen>
 
 #include "apps/demo/bound_control.h"
 #include "apps/demo/demo_window.h"
@@ -312,6 +316,192 @@ TEST(DemoWindowTest, MenusFollowTheSheetStatusBarShowsPositionAndPropertiesAreSt
     EXPECT_EQ(window.Current()->AsSheet()->Style(), new_style);
   }
   fs::remove_all(dir);
+}
+
+TEST(DemoDropDownTest, OpensUnderTheButtonWithTheRightEdgesLinedUp) {
+  const QRect screen(0, 0, 1280, 900);
+  const QRect button(500, 160, 16, 16);
+  EXPECT_EQ(DropDownPosition(button, QSize(120, 130), screen), QPoint(396, 176));
+}
+
+TEST(DemoDropDownTest, OpensAboveTheButtonWhenItDoesNotFitBelow) {
+  const QRect screen(0, 0, 1280, 900);
+  EXPECT_EQ(DropDownPosition(QRect(500, 800, 16, 16), QSize(120, 130), screen), QPoint(396, 670));
+}
+
+TEST(DemoDropDownTest, StaysInsideTheScreen) {
+  const QRect screen(0, 0, 1280, 900);
+  // A button near the left edge: the list cannot reach left of the screen.
+  EXPECT_EQ(DropDownPosition(QRect(10, 100, 16, 16), QSize(240, 180), screen), QPoint(0, 116));
+  // A button past the right edge (a window half off the screen): the list comes back inside.
+  EXPECT_EQ(DropDownPosition(QRect(1300, 100, 16, 16), QSize(240, 180), screen), QPoint(1040, 116));
+  // Taller than the room above and below: the top of the screen.
+  EXPECT_EQ(DropDownPosition(QRect(500, 100, 16, 16), QSize(240, 880), screen), QPoint(276, 20));
+}
+
+// Records the Rect of the Button events, as the host received it.
+class ButtonRecorder : public SheetEvents {
+ public:
+  void Button(const std::string& FieldName, SheetRect& Rect) override {
+    field = FieldName;
+    rect = Rect;
+    ++count;
+  }
+  std::string field;
+  SheetRect rect;
+  int count = 0;
+};
+
+class DemoDropDownWindowTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir_ = fs::temp_directory_path() / ("tarnsheets-demo-dropdown-" + std::to_string(::getpid()));
+    fs::remove_all(dir_);
+    db_ = (dir_ / "s.db").string();
+    ASSERT_TRUE(EnsureSampleDatabase(db_, 5, 3));
+    toolkit_ = std::make_unique<QtToolkit>(QtToolkit::DialogMode::kAnswered);
+    window_ = std::make_unique<DemoWindow>(*toolkit_, db_, (dir_ / "config").string());
+    window_->resize(1000, 400);
+    window_->show();
+    ASSERT_TRUE(window_->ShowControl("Opportunity"));
+    window_->Current()->AddObserver(&recorder_);
+    toolkit_->ProcessEvents();
+  }
+  void TearDown() override {
+    if (window_ != nullptr && window_->Current() != nullptr) {
+      window_->Current()->RemoveObserver(&recorder_);
+    }
+    window_.reset();
+    toolkit_.reset();
+    fs::remove_all(dir_);
+  }
+
+  // The control of `name` (Cmd_Value, Txt_Value) whose Tag is `tag`.
+  Control* Tagged(const std::string& name, const std::string& tag) {
+    for (const std::shared_ptr<Control>& c : window_->Current()->Control().Host().AllControls()) {
+      if (c->Name() == name && c->Tag() == tag) return c.get();
+    }
+    return nullptr;
+  }
+  std::string EditorText(const std::string& tag) {
+    auto* editor = dynamic_cast<Container*>(Tagged("Txt_Value", tag));
+    if (editor == nullptr) return "<no editor>";
+    for (const std::shared_ptr<Control>& inner : editor->Children()) {
+      if (auto* box = dynamic_cast<TextBox*>(inner.get()); box != nullptr && box->Visible()) {
+        return box->Text();
+      }
+    }
+    return "<no text box>";
+  }
+  // The drop button's place on the screen in pixels, from the Rect of the Button event.
+  QRect ButtonPixels() const {
+    const SheetRect& r = recorder_.rect;
+    return QRect(r.Left / 15, r.Top / 15, (r.Right - r.Left) / 15, (r.Bottom - r.Top) / 15);
+  }
+  // Clicks the drop button of `tag` and lets the deferred drop-down open.
+  void ClickDropButton(const std::string& tag) {
+    Control* button = Tagged("Cmd_Value", tag);
+    ASSERT_NE(button, nullptr) << "no drop button for " << tag;
+    toolkit_->Click(*button);
+    toolkit_->ProcessEvents();
+    ASSERT_EQ(recorder_.count, 1);
+    EXPECT_EQ(recorder_.field, tag);
+    // The Rect is the button's window rectangle in twips.
+    const SheetRect pixels = toolkit_->WindowRect(*button);
+    EXPECT_EQ(ButtonPixels(), QRect(pixels.Left, pixels.Top, pixels.Right - pixels.Left,
+                                    pixels.Bottom - pixels.Top));
+  }
+  void SaveWithTheMenu() {
+    QAction* save = ActionNamed(*window_, "Save");
+    ASSERT_NE(save, nullptr);
+    save->trigger();
+    EXPECT_EQ(window_->StatusMessageForTest(), "Saved.");
+  }
+  std::string Stored(const std::string& column) {
+    sqlite3* db = nullptr;
+    EXPECT_EQ(sqlite3_open_v2(db_.c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+    const int64_t rowid = window_->Current()->Source().CurrentRowIdForTest();
+    const std::string sql =
+        "SELECT \"" + column + "\" FROM Opportunity WHERE rowid = " + std::to_string(rowid);
+    sqlite3_stmt* st = nullptr;
+    std::string text = "<no row>";
+    if (sqlite3_prepare_v2(db, sql.c_str(), -1, &st, nullptr) == SQLITE_OK &&
+        sqlite3_step(st) == SQLITE_ROW) {
+      const unsigned char* t = sqlite3_column_text(st, 0);
+      text = t == nullptr ? "<null>" : reinterpret_cast<const char*>(t);
+    }
+    sqlite3_finalize(st);
+    sqlite3_close(db);
+    return text;
+  }
+
+  fs::path dir_;
+  std::string db_;
+  std::unique_ptr<QtToolkit> toolkit_;
+  std::unique_ptr<DemoWindow> window_;
+  ButtonRecorder recorder_;
+};
+
+TEST_F(DemoDropDownWindowTest, PickListOpensAtTheButtonsRectAndTheChoiceIsShownAndStored) {
+  ClickDropButton("SSTAGE_NAME");
+  QMenu* list = window_->PickListForTest();
+  ASSERT_NE(list, nullptr) << "no pick list opened";
+  EXPECT_TRUE(list->isVisible());
+  // Under the button, right edges lined up.
+  const QRect button = ButtonPixels();
+  EXPECT_EQ(list->geometry().top(), button.bottom() + 1);
+  EXPECT_EQ(list->geometry().right(), button.right());
+  QStringList values;
+  for (QAction* a : list->actions()) values << a->text();
+  EXPECT_EQ(values, QStringList({"Prospecting", "Qualification", "Proposal", "Negotiation",
+                                 "Closed Won", "Closed Lost"}));
+
+  QAction* negotiation = list->actions().at(3);
+  negotiation->trigger();
+  toolkit_->ProcessEvents();
+  EXPECT_EQ(window_->Current()->Source().Fields(Variant("SSTAGE_NAME")).Value().AsText(),
+            "Negotiation");
+  EXPECT_EQ(EditorText("SSTAGE_NAME"), "Negotiation");
+  EXPECT_EQ(window_->StatusMessageForTest(), "SSTAGE_NAME = Negotiation");
+  SaveWithTheMenu();
+  EXPECT_EQ(Stored("SSTAGE_NAME"), "Negotiation");
+}
+
+TEST_F(DemoDropDownWindowTest, CalendarOpensAtTheButtonsRectOnTheFieldsDateAndTheChoiceIsStored) {
+  const Variant before = window_->Current()->Source().Fields(Variant("F_OPPCLSDATE")).Value();
+  ASSERT_TRUE(before.IsDate());
+  const Date::Parts was = before.DateValue().ToParts();
+  ClickDropButton("F_OPPCLSDATE");
+  QCalendarWidget* calendar = window_->CalendarForTest();
+  ASSERT_NE(calendar, nullptr) << "no calendar opened";
+  EXPECT_TRUE(calendar->isVisible());
+  EXPECT_EQ(window_->PickListForTest(), nullptr);
+  EXPECT_EQ(calendar->selectedDate(), QDate(was.year, was.month, was.day));
+  const QRect button = ButtonPixels();
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  // The window is wider than the offscreen screen and the button lies past its right edge: the
+  // calendar is moved back onto the screen.
+  ASSERT_GT(button.right(), screen.right());
+  // The offscreen platform sets every top-level window, popups included, 2 pixels in for a frame.
+  const QPoint asked = DropDownPosition(button, calendar->size(), screen);
+  EXPECT_EQ(asked, QPoint(screen.right() + 1 - calendar->width(), button.bottom() + 1));
+  EXPECT_LE((calendar->pos() - asked).manhattanLength(), 4)
+      << calendar->pos().x() << "," << calendar->pos().y();
+
+  emit calendar->clicked(QDate(2031, 3, 14));
+  toolkit_->ProcessEvents();
+  EXPECT_EQ(window_->CalendarForTest(), nullptr) << "the calendar stays open after the choice";
+  const Variant after = window_->Current()->Source().Fields(Variant("F_OPPCLSDATE")).Value();
+  ASSERT_TRUE(after.IsDate());
+  const Date::Parts now = after.DateValue().ToParts();
+  EXPECT_EQ(now.year, 2031);
+  EXPECT_EQ(now.month, 3);
+  EXPECT_EQ(now.day, 14);
+  EXPECT_EQ(now.hour, was.hour);
+  EXPECT_EQ(now.minute, was.minute);
+  EXPECT_EQ(EditorText("F_OPPCLSDATE"), "2031-03-14");
+  SaveWithTheMenu();
+  EXPECT_EQ(Stored("F_OPPCLSDATE").substr(0, 10), "2031-03-14");
 }
 
 }  // namespace

@@ -3,17 +3,20 @@
 #include <QAction>
 #include <QCalendarWidget>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <utility>
 
@@ -59,6 +62,18 @@ std::vector<std::pair<std::string, std::string>> HostCommands() {
 
 std::string HostText(const char* english, const char* chinese) {
   return MessageLanguage() == kLanguageChinese ? chinese : english;
+}
+
+QPoint DropDownPosition(const QRect& button, const QSize& size, const QRect& screen) {
+  int x = button.x() + button.width() - size.width();
+  int y = button.y() + button.height();
+  if (y + size.height() > screen.y() + screen.height() &&
+      button.y() - size.height() >= screen.y()) {
+    y = button.y() - size.height();
+  }
+  x = std::max(screen.x(), std::min(x, screen.x() + screen.width() - size.width()));
+  y = std::max(screen.y(), std::min(y, screen.y() + screen.height() - size.height()));
+  return QPoint(x, y);
 }
 
 DemoWindow::DemoWindow(QtToolkit& toolkit, std::string database, std::string config_directory)
@@ -364,27 +379,43 @@ void DemoWindow::Text(const std::string& FieldName, const std::string& TextValue
 
 void DemoWindow::Button(const std::string& FieldName, SheetRect& Rect) {
   if (bound_ == nullptr) return;
-  // Rect is in twips of the screen; the pop-up opens below the field, after the click is done.
-  const int x = static_cast<int>(Rect.Left / toolkit_.TwipsPerPixelX());
-  const int y = static_cast<int>(Rect.Bottom / toolkit_.TwipsPerPixelY());
+  // Rect is the drop button's place on the screen in twips. The sheet scaled Left and Right by
+  // the vertical unit and Top and Bottom by the horizontal one; this undoes exactly that.
+  const double tx = toolkit_.TwipsPerPixelX(), ty = toolkit_.TwipsPerPixelY();
+  const int left = static_cast<int>(std::lround(Rect.Left / ty));
+  const int right = static_cast<int>(std::lround(Rect.Right / ty));
+  const int top = static_cast<int>(std::lround(Rect.Top / tx));
+  const int bottom = static_cast<int>(std::lround(Rect.Bottom / tx));
+  const QRect button(left, top, right - left, bottom - top);
   bool is_date = false;
   try {
     is_date = bound_->Source().Fields(Variant(FieldName)).DataType() == kDataTypeDate;
   } catch (const Failure&) {
     // A button whose field the table lacks: a pick list, which will be empty.
   }
+  // The drop-down opens after the click is done, so that the button's release does not close it.
   const int generation = generation_;
-  QTimer::singleShot(0, this, [this, generation, FieldName, x, y, is_date] {
+  QTimer::singleShot(0, this, [this, generation, FieldName, button, is_date] {
     if (generation != generation_ || bound_ == nullptr) return;
     if (is_date) {
-      OpenCalendar(FieldName, x, y);
+      OpenCalendar(FieldName, button);
     } else {
-      OpenPickList(FieldName, x, y);
+      OpenPickList(FieldName, button);
     }
   });
 }
 
-void DemoWindow::OpenPickList(const std::string& field, int x, int y) {
+QString DemoWindow::StatusMessageForTest() const { return statusBar()->currentMessage(); }
+
+void DemoWindow::PlaceDropDown(QWidget& popup, const QRect& button) {
+  QScreen* screen = QGuiApplication::screenAt(button.center());
+  if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+  const QRect area =
+      screen != nullptr ? screen->availableGeometry() : QRect(0, 0, 1 << 15, 1 << 15);
+  popup.move(DropDownPosition(button, popup.sizeHint(), area));
+}
+
+void DemoWindow::OpenPickList(const std::string& field, const QRect& button) {
   std::vector<std::string> values;
   try {
     values = ReadLookupValues(database_, field);
@@ -396,13 +427,24 @@ void DemoWindow::OpenPickList(const std::string& field, int x, int y) {
     Say(HostText("No pick list for ", "没有可选值：") + field);
     return;
   }
-  QMenu menu(this);
-  for (const std::string& v : values) menu.addAction(Q(v));
-  QAction* chosen = menu.exec(QPoint(x, y));
-  if (chosen != nullptr) PutValue(field, Variant(chosen->text().toStdString()));
+  if (pick_list_ != nullptr) pick_list_->close();
+  if (calendar_ != nullptr) calendar_->close();
+  auto* menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  for (const std::string& v : values) menu->addAction(Q(v));
+  const int generation = generation_;
+  connect(menu, &QMenu::triggered, this, [this, field, generation](QAction* chosen) {
+    if (generation != generation_ || bound_ == nullptr) return;
+    PutValue(field, Variant(chosen->text().toStdString()));
+  });
+  pick_list_ = menu;
+  PlaceDropDown(*menu, button);
+  menu->popup(menu->pos());
 }
 
-void DemoWindow::OpenCalendar(const std::string& field, int x, int y) {
+void DemoWindow::OpenCalendar(const std::string& field, const QRect& button) {
+  if (pick_list_ != nullptr) pick_list_->close();
+  if (calendar_ != nullptr) calendar_->close();
   auto* calendar = new QCalendarWidget(this);
   calendar->setWindowFlags(Qt::Popup);
   calendar->setAttribute(Qt::WA_DeleteOnClose);
@@ -416,16 +458,22 @@ void DemoWindow::OpenCalendar(const std::string& field, int x, int y) {
   } catch (const Failure&) {
   }
   const int generation = generation_;
-  connect(calendar, &QCalendarWidget::clicked, this,
-          [this, calendar, field, generation, now](QDate date) {
-            calendar->close();
-            if (generation != generation_ || bound_ == nullptr) return;
-            // The time of day that the field held stays.
-            PutValue(field, Variant(Date::FromParts(date.year(), date.month(), date.day(), now.hour,
-                                                    now.minute, now.second)));
-          });
-  calendar->move(x, y);
+  auto choose = [this, calendar, field, generation, now](QDate date) {
+    if (!calendar->isVisible()) return;  // a double click clicks, then activates
+    calendar->close();
+    if (generation != generation_ || bound_ == nullptr) return;
+    // The time of day that the field held stays.
+    PutValue(field, Variant(Date::FromParts(date.year(), date.month(), date.day(), now.hour,
+                                            now.minute, now.second)));
+  };
+  // A click on a day chooses it, and so do Return and a double click on the selected day.
+  connect(calendar, &QCalendarWidget::clicked, this, choose);
+  connect(calendar, &QCalendarWidget::activated, this, choose);
+  calendar_ = calendar;
+  calendar->adjustSize();
+  PlaceDropDown(*calendar, button);
   calendar->show();
+  calendar->setFocus();
 }
 
 void DemoWindow::PutValue(const std::string& field, const Variant& value) {

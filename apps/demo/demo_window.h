@@ -7,7 +7,13 @@
 #ifndef TARNSHEETS_APPS_DEMO_DEMO_WINDOW_H_
 #define TARNSHEETS_APPS_DEMO_DEMO_WINDOW_H_
 
+#include <QCalendarWidget>
 #include <QMainWindow>
+#include <QMenu>
+#include <QPoint>
+#include <QPointer>
+#include <QRect>
+#include <QSize>
 #include <map>
 #include <memory>
 #include <string>
@@ -29,6 +35,12 @@ class QtToolkit;
 // A text of the host in the process's language.
 std::string HostText(const char* english, const char* chinese);
 
+// Where a drop-down of `size` pixels opens for a drop button at `button` (pixels of the screen):
+// below the button with its right edge on the button's, so that it lies under the field's editor
+// as a combo box's list does; above the button when it does not fit below; always inside
+// `screen` (the available area of the button's screen) as far as the size allows.
+QPoint DropDownPosition(const QRect& button, const QSize& size, const QRect& screen);
+
 class DemoWindow : public QMainWindow, public SheetEvents {
  public:
   // `database` must exist; `config_directory` is where the stored properties go.
@@ -40,6 +52,13 @@ class DemoWindow : public QMainWindow, public SheetEvents {
   // (the reason is shown).
   bool ShowControl(const std::string& class_name);
   BoundControl* Current() const { return bound_.get(); }
+
+  // The pick list or the calendar that a drop button opened and that is still open; nullptr
+  // otherwise. For tests that choose in them as a user does.
+  QMenu* PickListForTest() const { return pick_list_.data(); }
+  QCalendarWidget* CalendarForTest() const { return calendar_.data(); }
+  // The text of the status bar's message.
+  QString StatusMessageForTest() const;
 
   // SheetEvents.
   void Text(const std::string& FieldName, const std::string& TextValue, SheetRect& Rect,
@@ -67,8 +86,9 @@ class DemoWindow : public QMainWindow, public SheetEvents {
   void StoreProperties();
   void CloseControl();
   void FitControl();
-  void OpenPickList(const std::string& field, int x, int y);
-  void OpenCalendar(const std::string& field, int x, int y);
+  void OpenPickList(const std::string& field, const QRect& button);
+  void OpenCalendar(const std::string& field, const QRect& button);
+  void PlaceDropDown(QWidget& popup, const QRect& button);
   void PutValue(const std::string& field, const Variant& value);
   void ChangeFontSize(float delta);
   void ToggleRecordButtons(bool on);
@@ -91,6 +111,9 @@ class DemoWindow : public QMainWindow, public SheetEvents {
   QAction* leave_query_ = nullptr;
   QAction* record_buttons_ = nullptr;
   QAction* focus_ = nullptr;
+  // The open drop-down, at most one; each deletes itself when it closes.
+  QPointer<QMenu> pick_list_;
+  QPointer<QCalendarWidget> calendar_;
 };
 
 }  // namespace tarnsheets

@@ -5,7 +5,6 @@
 // public control on its first record to DIR/<Class>.png on Qt's offscreen platform and exits.
 // --lang chooses the language of the messages and titles by setting the process's locale.
 #include <QApplication>
-#include <QFont>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -28,15 +27,6 @@ int Usage(const std::string& why) {
                "[--control CLASS]\n",
                why.c_str());
   return 2;
-}
-
-// The designed forms name the fonts of the system they were drawn on. Where those fonts are
-// missing, their nearest free relatives stand in, so that the titles keep their designed widths:
-// the Song face of the company sheets is a serif CJK face whose Latin letters are narrow.
-void InstallFontSubstitutions() {
-  const QStringList song = {"DejaVu Sans Condensed", "Noto Sans CJK SC"};
-  QFont::insertSubstitutions(QString::fromUtf8("宋体"), song);
-  QFont::insertSubstitutions("SimSun", song);
 }
 
 }  // namespace
@@ -83,7 +73,6 @@ int main(int argc, char** argv) {
     }
 
     QApplication app(argc, argv);
-    InstallFontSubstitutions();
     if (!screenshot_dir.empty()) {
       tarnsheets::QtToolkit toolkit(tarnsheets::QtToolkit::DialogMode::kAnswered);
       std::vector<std::string> classes;

@@ -15,6 +15,7 @@
 #include "tarnsheets/failure.h"
 #include "toolkits/common/control_rules.h"
 #include "toolkits/qt/qt_controls.h"
+#include "toolkits/qt/qt_fonts.h"
 
 namespace tarnsheets {
 namespace {
@@ -182,6 +183,7 @@ QApplication* EnsureApplication() {
 
 QtToolkit::QtToolkit(DialogMode mode) : mode_(mode) {
   EnsureApplication();
+  InstallDesignedFontSubstitutions();
   bridge_ = std::make_unique<QtEventBridge>(this);
   if (QScreen* screen = QGuiApplication::primaryScreen()) {
     const double dpi_x = screen->logicalDotsPerInchX(), dpi_y = screen->logicalDotsPerInchY();
