@@ -10,8 +10,12 @@
 //                     the mapper's toLast goes to the last row fetched), toLast.
 //   memory            resident set after reaching the last record, less the resident set before
 //                     opening (the forms exist already; freed heap is trimmed before each side).
-//   next record       one step forward from the first record, timed over a run of moves.
+//   next record       one step forward from the first record, timed over a run of moves, the
+//                     widgets updated but not painted (the event loop runs after the run).
 //                     Theirs calls fetchMore when the next row is not fetched yet, as a host must.
+//   next, painted     the same with the event loop run after every move, so that each record is
+//                     painted into the window's backing store before the next move: what a user
+//                     stepping through records waits for.
 //   jump to row k     theirs: QDataWidgetMapper::setCurrentIndex(k) on a model that has fetched
 //                     every row. Ours: the data source moves only to first, previous, next and
 //                     last, so a host finds a record by query by example on its name (NewQuery,
@@ -176,6 +180,7 @@ struct Settings {
   std::vector<int64_t> sizes;
   int repetitions = 5;
   int64_t moves = 1000;
+  int64_t painted_moves = 300;
   int jumps = 10;
 };
 
@@ -184,6 +189,7 @@ struct Results {
   Sample open_to_last;
   int64_t memory_bytes = 0;
   Sample next_record;
+  Sample next_painted;  // each move followed by the event loop's repaint
   Sample jump;
   Sample find_by_name;
   Sample edit_and_store;
@@ -473,6 +479,7 @@ Results MeasureOurs(QtToolkit& toolkit, OurSide& ours, const std::string& path, 
 
   // Next record: a run of moves from the first record.
   const int64_t moves = std::min<int64_t>(settings.moves, rows - 1);
+  const int64_t painted_moves = std::min<int64_t>(settings.painted_moves, rows - 1);
   for (int i = -1; i < reps; ++i) {
     Check(!ours.Source().MoveFirst(), "ours: MoveFirst failed");
     const auto t0 = Clock::now();
@@ -484,6 +491,21 @@ Results MeasureOurs(QtToolkit& toolkit, OurSide& ours, const std::string& path, 
     Check(ours.ShownName() == truth.NameAt(moves + 1), "ours: name after the moves");
     if (i >= 0) r.next_record.values.push_back(s / static_cast<double>(moves));
     toolkit.ProcessEvents();
+  }
+
+  // Next record as the user sees it: each move followed by the event loop, which paints what the
+  // move changed into the window's backing store.
+  for (int i = -1; i < reps; ++i) {
+    Check(!ours.Source().MoveFirst(), "ours: MoveFirst failed");
+    toolkit.ProcessEvents();
+    const auto t0 = Clock::now();
+    for (int64_t m = 0; m < painted_moves; ++m) {
+      if (ours.Source().MoveNext()) Fail("ours: MoveNext failed");
+      toolkit.ProcessEvents();
+    }
+    const double s = Seconds(Clock::now() - t0);
+    Check(ours.ShownName() == truth.NameAt(painted_moves + 1), "ours: name after painted moves");
+    if (i >= 0) r.next_painted.values.push_back(s / static_cast<double>(painted_moves));
   }
 
   // The same moves of the source alone, to show what the sheet's display costs of a move.
@@ -591,6 +613,21 @@ Results MeasureTheirs(TheirSide& theirs, const std::string& path, int64_t rows,
     QApplication::processEvents();
   }
 
+  const int64_t painted_moves = std::min<int64_t>(settings.painted_moves, rows - 1);
+  for (int i = -1; i < reps; ++i) {
+    theirs.Mapper().toFirst();
+    QApplication::processEvents();
+    const auto t0 = Clock::now();
+    for (int64_t m = 0; m < painted_moves; ++m) {
+      theirs.Next();
+      QApplication::processEvents();
+    }
+    const double s = Seconds(Clock::now() - t0);
+    Check(theirs.ShownName() == truth.NameAt(painted_moves + 1),
+          "theirs: name after painted moves");
+    if (i >= 0) r.next_painted.values.push_back(s / static_cast<double>(painted_moves));
+  }
+
   // Jump to row k on a model with every row fetched.
   const std::vector<int64_t> targets = JumpTargets(rows, settings.jumps);
   theirs.OpenToLast(path);
@@ -681,6 +718,7 @@ void RunSize(QtToolkit& toolkit, OurSide& ours, TheirSide& theirs, const std::fi
       static_cast<long long>(std::min<int64_t>(settings.moves, rows - 1)), settings.jumps);
   std::printf("  %-34s %14s %16s %10s\n", "", "TarnSheets", "QDataWidgetMapper", "ours/theirs");
   PrintTime("next record (per move)", our.next_record, their.next_record);
+  PrintTime("next record, painted", our.next_painted, their.next_painted);
   PrintTime("jump to a random record", our.jump, their.jump);
   PrintTime("find a record by name", our.find_by_name, their.find_by_name);
   PrintTime("open to the last record", our.open_to_last, their.open_to_last);
@@ -699,6 +737,8 @@ void RunSize(QtToolkit& toolkit, OurSide& ours, TheirSide& theirs, const std::fi
   PrintSpread("ours next record", our.next_record);
   PrintSpread("ours next, source alone", our.source_next_only);
   PrintSpread("theirs next record", their.next_record);
+  PrintSpread("ours next, painted", our.next_painted);
+  PrintSpread("theirs next, painted", their.next_painted);
   PrintSpread("ours jump / find", our.jump);
   PrintSpread("theirs jump", their.jump);
   PrintSpread("theirs find", their.find_by_name);

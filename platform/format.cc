@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace tarnsheets {
@@ -504,22 +505,52 @@ bool RoundsToZero(double magnitude, const NumberLayout& layout) {
       .IsZero();
 }
 
-std::optional<std::string> FormatNumberSections(double value,
-                                                const std::vector<std::string_view>& texts) {
+// A pattern read once: its sections, the first one's tokens, and the number layouts of up to
+// three sections (nullopt for an empty one, which takes the first one's format).
+struct CompiledPattern {
+  bool readable = false;  // the sections split and the first one reads
+  Section first;
+  bool numbers_readable = false;  // every number section lays out
   std::vector<std::optional<NumberLayout>> layouts;
-  for (size_t i = 0; i < texts.size() && i < 3; ++i) {
-    if (i > 0 && texts[i].empty()) {
-      layouts.push_back(std::nullopt);  // an empty section takes the first one's format
+};
+
+CompiledPattern Compile(std::string_view pattern) {
+  CompiledPattern compiled;
+  const std::optional<std::vector<std::string_view>> texts = SplitSections(pattern);
+  if (!texts) return compiled;
+  std::optional<Section> first = ParseSection((*texts)[0]);
+  if (!first) return compiled;
+  compiled.readable = true;
+  compiled.first = std::move(*first);
+  if (compiled.first.has_date_part || texts->size() > 4) return compiled;
+  for (size_t i = 0; i < texts->size() && i < 3; ++i) {
+    if (i > 0 && (*texts)[i].empty()) {
+      compiled.layouts.push_back(std::nullopt);
       continue;
     }
-    const std::optional<Section> section = ParseSection(texts[i]);
-    if (!section) return std::nullopt;
+    const std::optional<Section> section = ParseSection((*texts)[i]);
+    if (!section) return compiled;
     std::optional<NumberLayout> layout = LayOutNumber(*section);
-    if (!layout) return std::nullopt;
-    layouts.push_back(std::move(layout));
+    if (!layout) return compiled;
+    compiled.layouts.push_back(std::move(layout));
   }
-  if (texts.size() > 4) return std::nullopt;
+  compiled.numbers_readable = true;
+  return compiled;
+}
 
+// Sheets format the same few patterns on every record they show, so each is read once. The
+// cache belongs to the calling thread and is emptied when it grows past a bound.
+const CompiledPattern& Compiled(std::string_view pattern) {
+  thread_local std::unordered_map<std::string, CompiledPattern> cache;
+  const std::string key(pattern);
+  auto found = cache.find(key);
+  if (found != cache.end()) return found->second;
+  if (cache.size() >= 256) cache.clear();
+  return cache.emplace(key, Compile(pattern)).first->second;
+}
+
+std::string FormatNumberSections(double value, const CompiledPattern& pattern) {
+  const std::vector<std::optional<NumberLayout>>& layouts = pattern.layouts;
   const double magnitude = std::fabs(value);
   if (value == 0 && layouts.size() >= 3 && layouts[2]) return FormatNumber(0, *layouts[2]);
   if (value < 0 && layouts.size() >= 2 && layouts[1]) return FormatNumber(magnitude, *layouts[1]);
@@ -536,12 +567,10 @@ std::string FormatValue(const Variant& value, std::string_view pattern) {
   if (value.IsNull() || value.IsEmpty()) return "";
   if (pattern.empty()) return value.AsText();
 
-  const std::optional<std::vector<std::string_view>> sections = SplitSections(pattern);
-  if (!sections) return value.AsText();
-  const std::optional<Section> first = ParseSection((*sections)[0]);
-  if (!first) return value.AsText();
+  const CompiledPattern& compiled = Compiled(pattern);
+  if (!compiled.readable) return value.AsText();
 
-  if (first->has_date_part) {
+  if (compiled.first.has_date_part) {
     double serial = 0;
     if (value.IsString()) {
       Date date;
@@ -553,7 +582,8 @@ std::string FormatValue(const Variant& value, std::string_view pattern) {
     } else {
       serial = value.ToDouble();
     }
-    return FormatDate(serial, *first).value_or(value.AsText());
+    std::optional<std::string> text = FormatDate(serial, compiled.first);
+    return text ? std::move(*text) : value.AsText();
   }
 
   double number = 0;
@@ -562,8 +592,8 @@ std::string FormatValue(const Variant& value, std::string_view pattern) {
   } else {
     number = value.ToDouble();
   }
-  if (!std::isfinite(number)) return value.AsText();
-  return FormatNumberSections(number, *sections).value_or(value.AsText());
+  if (!std::isfinite(number) || !compiled.numbers_readable) return value.AsText();
+  return FormatNumberSections(number, compiled);
 }
 
 }  // namespace tarnsheets

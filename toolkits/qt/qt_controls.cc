@@ -95,12 +95,22 @@ QFont ToQFont(const Font& font) {
 
 QColor ToQColor(Color rgb) { return QColor(rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF); }
 
+QRgb ToQRgb(Color rgb) { return qRgb(rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF); }
+
+namespace {
+
+bool PictureIsWhole(const Picture& picture) {
+  return picture.width > 0 && picture.height > 0 &&
+         picture.pixels.size() == static_cast<size_t>(picture.width) * picture.height;
+}
+
+}  // namespace
+
 QImage ToQImage(const Picture& picture) {
   QImage image(picture.width, picture.height, QImage::Format_RGB32);
   for (int32_t y = 0; y < picture.height; ++y) {
-    for (int32_t x = 0; x < picture.width; ++x) {
-      image.setPixelColor(x, y, ToQColor(picture.PixelAt(x, y)));
-    }
+    auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+    for (int32_t x = 0; x < picture.width; ++x) line[x] = ToQRgb(picture.PixelAt(x, y));
   }
   return image;
 }
@@ -267,11 +277,47 @@ QtNode* QtNodeOf(const Control& control) {
 
 // Surfaces.
 
+// The surface keeps what is drawn on it, as a persistent picture does: each operation draws at
+// once into a raster the size of the control, and a paint shows the raster. So a control that
+// draws on every change (a check editor drawing its glyph on each record) costs one picture, not
+// a growing list of operations. Colours are resolved when drawn.
+QImage& QtSurface::Canvas() {
+  const int32_t w = std::max(1, RoundPixels(node_->width_, node_->Tppx()));
+  const int32_t h = std::max(1, RoundPixels(node_->height_, node_->Tppy()));
+  if (canvas_.width() < w || canvas_.height() < h) {
+    // Grown, never shrunk: what lies outside shows again when the control grows back.
+    QImage grown(std::max(w, canvas_.width()), std::max(h, canvas_.height()),
+                 QImage::Format_ARGB32_Premultiplied);
+    grown.fill(Qt::transparent);
+    if (!canvas_.isNull()) {
+      QPainter painter(&grown);
+      painter.drawImage(QPoint(0, 0), canvas_);
+    }
+    canvas_ = std::move(grown);
+  }
+  return canvas_;
+}
+
+void QtSurface::Log(DrawOp op) {
+  if (ops_.size() >= kLoggedOps) ops_.erase(ops_.begin(), ops_.begin() + kLoggedOps / 2);
+  ops_.push_back(std::move(op));
+}
+
 void QtSurface::Line(Twips x1, Twips y1, Twips x2, Twips y2, Color color) {
   DrawOp op;
   op.kind = DrawOp::Kind::kLine;
   op.x1 = x1, op.y1 = y1, op.x2 = x2, op.y2 = y2, op.color = color;
-  ops_.push_back(std::move(op));
+  Log(std::move(op));
+  QImage& canvas = Canvas();
+  const Twips tx = node_->Tppx(), ty = node_->Tppy();
+  const QRgb rgb = ToQRgb(node_->Resolve(color));
+  const int32_t w = canvas.width(), h = canvas.height();
+  // One pixel wide, from the first point towards the second, the second not drawn.
+  ForEachLinePixel(ToPixels(x1, tx), ToPixels(y1, ty), ToPixels(x2, tx), ToPixels(y2, ty),
+                   [&](int32_t x, int32_t y) {
+                     if (x < 0 || y < 0 || x >= w || y >= h) return;
+                     reinterpret_cast<QRgb*>(canvas.scanLine(y))[x] = rgb;
+                   });
   Changed();
 }
 
@@ -279,7 +325,21 @@ void QtSurface::Box(Twips x1, Twips y1, Twips x2, Twips y2, Color color) {
   DrawOp op;
   op.kind = DrawOp::Kind::kBox;
   op.x1 = x1, op.y1 = y1, op.x2 = x2, op.y2 = y2, op.color = color;
-  ops_.push_back(std::move(op));
+  Log(std::move(op));
+  QImage& canvas = Canvas();
+  const Twips tx = node_->Tppx(), ty = node_->Tppy();
+  const int32_t px1 = ToPixels(x1, tx), py1 = ToPixels(y1, ty);
+  const int32_t px2 = ToPixels(x2, tx), py2 = ToPixels(y2, ty);
+  // Both corners filled, clipped to the raster.
+  const int32_t left = std::max(0, std::min(px1, px2));
+  const int32_t right = std::min(canvas.width() - 1, std::max(px1, px2));
+  const int32_t top = std::max(0, std::min(py1, py2));
+  const int32_t bottom = std::min(canvas.height() - 1, std::max(py1, py2));
+  const QRgb rgb = ToQRgb(node_->Resolve(color));
+  for (int32_t y = top; y <= bottom; ++y) {
+    QRgb* line = reinterpret_cast<QRgb*>(canvas.scanLine(y));
+    std::fill(line + left, line + right + 1, rgb);
+  }
   Changed();
 }
 
@@ -297,11 +357,20 @@ void QtSurface::PaintPicture(const Picture& picture, Twips x, Twips y) {
   op.x2 = x + picture.width * node_->Tppx();
   op.y2 = y + picture.height * node_->Tppy();
   op.picture = picture;
-  ops_.push_back(std::move(op));
+  Log(std::move(op));
+  QImage& canvas = Canvas();
+  const int32_t px = ToPixels(x, node_->Tppx()), py = ToPixels(y, node_->Tppy());
+  for (int32_t row = std::max(0, -py); row < picture.height && py + row < canvas.height(); ++row) {
+    QRgb* line = reinterpret_cast<QRgb*>(canvas.scanLine(py + row));
+    for (int32_t col = std::max(0, -px); col < picture.width && px + col < canvas.width(); ++col) {
+      line[px + col] = ToQRgb(picture.PixelAt(col, row));
+    }
+  }
   Changed();
 }
 
 void QtSurface::Cls() {
+  canvas_.fill(Qt::transparent);
   ops_.clear();
   ++cls_count_;
   Changed();
@@ -328,29 +397,7 @@ Twips QtSurface::TextHeight(std::string_view text) const {
 }
 
 void QtSurface::Replay(QPainter& painter) const {
-  const Twips tx = node_->Tppx(), ty = node_->Tppy();
-  for (const DrawOp& op : ops_) {
-    const int32_t x1 = ToPixels(op.x1, tx), y1 = ToPixels(op.y1, ty);
-    switch (op.kind) {
-      case DrawOp::Kind::kLine: {
-        // One pixel wide, from the first point towards the second, the second not drawn.
-        painter.setPen(ToQColor(node_->Resolve(op.color)));
-        const int32_t x2 = ToPixels(op.x2, tx), y2 = ToPixels(op.y2, ty);
-        ForEachLinePixel(x1, y1, x2, y2, [&](int32_t x, int32_t y) { painter.drawPoint(x, y); });
-        break;
-      }
-      case DrawOp::Kind::kBox: {
-        const int32_t x2 = ToPixels(op.x2, tx), y2 = ToPixels(op.y2, ty);
-        painter.fillRect(QRect(QPoint(std::min(x1, x2), std::min(y1, y2)),
-                               QPoint(std::max(x1, x2), std::max(y1, y2))),
-                         ToQColor(node_->Resolve(op.color)));
-        break;
-      }
-      case DrawOp::Kind::kPicture:
-        painter.drawImage(QPoint(x1, y1), ToQImage(op.picture));
-        break;
-    }
-  }
+  if (!canvas_.isNull()) painter.drawImage(QPoint(0, 0), canvas_);
 }
 
 // Containers.
@@ -523,18 +570,29 @@ void QtTextBox::WidgetSelection(int32_t* start, int32_t* end) const {
 void QtTextBox::ShowText(int32_t sel_start, int32_t sel_length) {
   showing_ = true;
   const int32_t a = QtPos(sel_start), b = QtPos(sel_start + sel_length);
-  if (Plain()) {
-    if (Plain()->toPlainText() != ToQt(text_)) Plain()->setPlainText(ToQt(text_));
-    QTextCursor cursor(Plain()->document());
-    cursor.setPosition(a);
-    cursor.setPosition(b, QTextCursor::KeepAnchor);
-    Plain()->setTextCursor(cursor);
-  } else if (Line()) {
-    if (Line()->text() != ToQt(text_)) Line()->setText(ToQt(text_));
+  const QString text = ToQt(text_);
+  if (QPlainTextEdit* plain = Plain()) {
+    QTextDocument* document = plain->document();
+    if (plain->toPlainText() != text) {
+      // Replacing the document's text through a cursor keeps the document, its layout and its
+      // formats, and lays out only the new text; setPlainText would rebuild all of them.
+      QTextCursor all(document);
+      all.setPosition(0);
+      all.setPosition(document->characterCount() - 1, QTextCursor::KeepAnchor);
+      all.insertText(text);
+    }
+    QTextCursor cursor = plain->textCursor();
+    if (cursor.anchor() != a || cursor.position() != b) {
+      cursor.setPosition(a);
+      cursor.setPosition(b, QTextCursor::KeepAnchor);
+      plain->setTextCursor(cursor);
+    }
+  } else if (QLineEdit* line = Line()) {
+    if (line->text() != text) line->setText(text);
     if (b > a) {
-      Line()->setSelection(a, b - a);
+      line->setSelection(a, b - a);
     } else {
-      Line()->setCursorPosition(a);
+      line->setCursorPosition(a);
     }
   }
   showing_ = false;
@@ -628,7 +686,7 @@ void QtTextBox::WidgetTextChanged() {
 void QtTextBox::SetLocked(bool v) {
   locked_ = v;
   if (Line() && Line()->isReadOnly() != v) Line()->setReadOnly(v);
-  if (Plain()) {
+  if (Plain() && Plain()->isReadOnly() != v) {
     Plain()->setReadOnly(v);
     // A locked box still lets the user select with the keyboard.
     Plain()->setTextInteractionFlags(v ? (Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard)
@@ -845,6 +903,7 @@ QtImage::QtImage(QtToolkit* toolkit, std::string name, int32_t index)
 
 void QtImage::SetPicture(const Picture& v) {
   picture_ = v;
+  image_ = PictureIsWhole(picture_) ? ToQImage(picture_) : QImage();
   ApplyColors();
 }
 
@@ -854,16 +913,12 @@ void QtImage::SetStretch(bool v) {
 }
 
 void QtImage::Paint(QPainter& painter) {
-  if (picture_.width <= 0 || picture_.height <= 0 ||
-      picture_.pixels.size() != static_cast<size_t>(picture_.width) * picture_.height) {
-    return;
-  }
-  const QImage image = ToQImage(picture_);
+  if (image_.isNull()) return;
   if (stretch_) {
     painter.drawImage(QRect(0, 0, RoundPixels(width_, Tppx()), RoundPixels(height_, Tppy())),
-                      image);
+                      image_);
   } else {
-    painter.drawImage(QPoint(0, 0), image);
+    painter.drawImage(QPoint(0, 0), image_);
   }
 }
 
@@ -874,6 +929,7 @@ QtPictureBox::QtPictureBox(QtToolkit* toolkit, std::string name, int32_t index)
 
 void QtPictureBox::SetPicture(const Picture& v) {
   picture_ = v;
+  image_ = PictureIsWhole(picture_) ? ToQImage(picture_) : QImage();
   ApplyColors();
 }
 
@@ -888,10 +944,7 @@ void QtPictureBox::Paint(QPainter& painter) {
   const int32_t inset = border_style_ != 0 ? 1 : 0;
   painter.save();
   painter.translate(inset, inset);
-  if (picture_.width > 0 &&
-      picture_.pixels.size() == static_cast<size_t>(picture_.width) * picture_.height) {
-    painter.drawImage(QPoint(0, 0), ToQImage(picture_));
-  }
+  if (!image_.isNull()) painter.drawImage(QPoint(0, 0), image_);
   surface_.Replay(painter);
   painter.restore();
   if (inset != 0) {

@@ -313,18 +313,25 @@ class QtSurface : public Surface {
   Twips ScaleWidth() const override { return node_->width_; }
   Twips ScaleHeight() const override { return node_->height_; }
 
-  // Draws the recorded operations, (0, 0) being the surface's inner corner.
+  // Draws what was drawn since the last Cls, (0, 0) being the surface's inner corner.
   void Replay(QPainter& painter) const;
+  // The latest operations since the last Cls, for inspection: at most kLoggedOps of them, so
+  // that a control drawing on every change does not grow without bound.
   const std::vector<DrawOp>& Ops() const { return ops_; }
   int32_t ClsCount() const { return cls_count_; }
+  static constexpr size_t kLoggedOps = 256;
 
  private:
   void Changed() {
     if (node_->widget_) node_->widget_->update();
   }
+  void Log(DrawOp op);
+  // The raster drawn into, at least the control's size in pixels.
+  QImage& Canvas();
 
   QtNode* node_;
   Font font_;
+  QImage canvas_;
   std::vector<DrawOp> ops_;
   int32_t cls_count_ = 0;
 };
@@ -480,6 +487,7 @@ class QtImage : public QtControl<Image> {
   void Paint(QPainter& painter) override;
 
   Picture picture_;
+  QImage image_;  // the picture converted once, when set
   bool stretch_ = false;
 };
 
@@ -509,6 +517,7 @@ class QtPictureBox : public QtContainer<PictureBox> {
 
   QtSurface surface_{this};
   Picture picture_;
+  QImage image_;  // the picture converted once, when set
   int16_t border_style_ = 1;
 
  protected:

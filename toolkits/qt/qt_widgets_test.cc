@@ -460,5 +460,32 @@ TEST(QtScreenshotTest, FormWithEveryKindRendersEachControl) {
   std::printf("every kind: %s\n", path.c_str());
 }
 
+// A check editor draws its inside and glyph again on every record it shows. The surface keeps
+// what was drawn as a picture, so a long run of such drawings leaves the last one on screen and
+// holds no growing list of operations.
+TEST(QtDrawingTest, DrawingOnEveryChangeKeepsTheLatestPictureAndABoundedLog) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  auto uc = tk.CreateUserControl(*form, "SFCheck", "Chk");
+  const Twips tx = tk.TwipsPerPixelX(), ty = tk.TwipsPerPixelY();
+  uc->Move(0, 0, 13 * tx, 13 * ty);
+  uc->SetBackColor(0xFFFFFF);
+  for (int i = 0; i < 5000; ++i) {
+    uc->Drawing().Box(tx, ty, 12 * tx, 12 * ty, 0xFFFFFF);
+    const Color glyph = i % 2 == 0 ? 0x0000FF : 0x00FF00;
+    uc->Drawing().PaintPicture(Picture{"G", 3, 3, std::vector<Color>(9, glyph)}, 5 * tx, 5 * ty);
+  }
+  EXPECT_LE(tk.DrawOps(*uc).size(), 256u);
+  EXPECT_EQ(tk.DrawOps(*uc).back().ToString(), "picture G 3x3 at " +
+                                                   std::to_string(static_cast<int>(5 * tx)) + "," +
+                                                   std::to_string(static_cast<int>(5 * ty)));
+  // The last glyph drawn (i = 4999, green) shows, on the box's white.
+  EXPECT_EQ(PixelAt(tk, *uc, 6, 6), 0x00FF00u);
+  EXPECT_EQ(PixelAt(tk, *uc, 2, 2), 0xFFFFFFu);
+  uc->Drawing().Cls();
+  EXPECT_TRUE(tk.DrawOps(*uc).empty());
+  EXPECT_EQ(PixelAt(tk, *uc, 6, 6), 0xFFFFFFu);
+}
+
 }  // namespace
 }  // namespace tarnsheets
