@@ -424,6 +424,9 @@ std::shared_ptr<T> QtToolkit::Adopt(Container& parent, std::shared_ptr<T> contro
       if (box->multi_line_) {
         auto* edit = new QPlainTextEdit(host);
         edit->setUndoRedoEnabled(false);
+        // The designed boxes are one or a few lines high; a single pixel around the text, as in
+        // a single-line box, keeps their first line whole.
+        edit->document()->setDocumentMargin(1);
         edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         QObject::connect(edit, &QPlainTextEdit::textChanged, edit,
