@@ -787,8 +787,17 @@ std::string QtTextBox::AccessibleDescription() const {
 
 void QtTextBox::ApplyColors() {
   if (!widget_) return;
-  SetRoles(widget_, QPalette::Base, ToQColor(Resolve(back_color_)), QPalette::Text,
-           ToQColor(Resolve(fore_color_)));
+  const QColor back = ToQColor(Resolve(back_color_)), fore = ToQColor(Resolve(fore_color_));
+  SetRoles(widget_, QPalette::Base, back, QPalette::Text, fore);
+  // A box without the focus hides its selection, which it keeps: the inactive highlight is the
+  // box's own colours. (A multi-line box paints an unfocused selection in these.)
+  QPalette palette = widget_->palette();
+  if (palette.color(QPalette::Inactive, QPalette::Highlight) != back ||
+      palette.color(QPalette::Inactive, QPalette::HighlightedText) != fore) {
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, back);
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, fore);
+    widget_->setPalette(palette);
+  }
 }
 
 // Command buttons.

@@ -232,6 +232,41 @@ TEST(QtTextWidgetTest, SelectionStaysWhenTheFocusLeaves) {
   EXPECT_EQ(a->SelText(), "bcd");
 }
 
+// Pixels of `control` as Qt paints it in exactly `color`.
+int CountColor(QtToolkit& tk, const Control& control, Color color) {
+  int32_t w = 0, h = 0;
+  const std::vector<Color> px = tk.RenderPixels(control, &w, &h);
+  return static_cast<int>(std::count(px.begin(), px.end(), color));
+}
+
+TEST(QtTextWidgetTest, AMultiLineBoxHidesItsSelectionWhileItHasNotTheFocus) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  form->SetClientSize(3000, 1500);
+  auto memo = tk.CreateTextBox(*form, "Memo", -1, true);
+  memo->Move(0, 0, 2400, 600);
+  auto other = tk.CreateTextBox(*form, "Other");
+  other->Move(0, 900, 2400, 300);
+  form->Show();
+  // The offscreen platform activates no window by itself; a user's window is active.
+  QApplication::setActiveWindow(tk.WidgetOf(*form)->window());
+  memo->SetFocus();
+  memo->SetText("selected words");
+  memo->SetSelStart(0);
+  memo->SetSelLength(8);
+  const QColor highlight = QApplication::palette().color(QPalette::Active, QPalette::Highlight);
+  const Color highlight_rgb = static_cast<Color>(highlight.red()) |
+                              static_cast<Color>(highlight.green()) << 8 |
+                              static_cast<Color>(highlight.blue()) << 16;
+  EXPECT_GT(CountColor(tk, *memo, highlight_rgb), 20);
+  other->SetFocus();
+  EXPECT_EQ(CountColor(tk, *memo, highlight_rgb), 0);
+  EXPECT_EQ(memo->SelStart(), 0);
+  EXPECT_EQ(memo->SelLength(), 8);
+  memo->SetFocus();
+  EXPECT_GT(CountColor(tk, *memo, highlight_rgb), 20);
+}
+
 TEST(QtTextWidgetTest, EditorCarriesItsAccessibleNameAndDescription) {
   QtToolkit tk(QtToolkit::DialogMode::kAnswered);
   auto form = tk.CreateForm("F");
