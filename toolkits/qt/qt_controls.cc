@@ -576,10 +576,13 @@ void QtTextBox::ShowText(int32_t sel_start, int32_t sel_length) {
     if (plain->toPlainText() != text) {
       // Replacing the document's text through a cursor keeps the document, its layout and its
       // formats, and lays out only the new text; setPlainText would rebuild all of them.
+      // Inside an edit block the cursor does not lay the text out to remember its column.
       QTextCursor all(document);
+      all.beginEditBlock();
       all.setPosition(0);
       all.setPosition(document->characterCount() - 1, QTextCursor::KeepAnchor);
       all.insertText(text);
+      all.endEditBlock();
     }
     QTextCursor cursor = plain->textCursor();
     if (cursor.anchor() != a || cursor.position() != b) {
@@ -788,6 +791,9 @@ std::string QtTextBox::AccessibleDescription() const {
 void QtTextBox::ApplyColors() {
   if (!widget_) return;
   const QColor back = ToQColor(Resolve(back_color_)), fore = ToQColor(Resolve(fore_color_));
+  const std::pair<QRgb, QRgb> colors(back.rgb(), fore.rgb());
+  if (applied_colors_ == colors) return;
+  applied_colors_ = colors;
   SetRoles(widget_, QPalette::Base, back, QPalette::Text, fore);
   // A box without the focus hides its selection, which it keeps: the inactive highlight is the
   // box's own colours. (A multi-line box paints an unfocused selection in these.)

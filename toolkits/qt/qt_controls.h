@@ -16,8 +16,10 @@
 #include <QPointer>
 #include <QWidget>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "tarnsheets/failure.h"
@@ -436,6 +438,9 @@ class QtTextBox : public QtControl<TextBox> {
   QLineEdit* Line() const { return qobject_cast<QLineEdit*>(widget_.data()); }
   QPlainTextEdit* Plain() const { return qobject_cast<QPlainTextEdit*>(widget_.data()); }
   bool showing_ = false;  // the control itself is writing into the widget
+  // The colours last given to the widget's palette: a sheet sets a box's colours on every record
+  // it shows, mostly to what they already are.
+  std::optional<std::pair<QRgb, QRgb>> applied_colors_;
   bool typing_now_ = false;
   int32_t pre_sel_start_ = 0;
   int32_t pre_sel_length_ = 0;
