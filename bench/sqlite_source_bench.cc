@@ -2,11 +2,15 @@
 // 1,000,000 rows, next to the raw floor: the same reads and writes through SQLite's C API with
 // prepared statements on a connection with the same settings (WAL, synchronous NORMAL).
 //
-//   Open          create the source and open it: first record and exact RecordCount
-//   MoveNext      10,000 moves from the first record (each reads one row through the index)
-//   MoveLast      MoveFirst then MoveLast
-//   StoreEdit     SetFieldValue of one text field plus UpdateRecord (one transaction)
-//   Raw...        the floor of each
+//   Open            create the source and open it: first record and exact RecordCount
+//   MoveNext        10,000 moves from the first record (each reads one row through the index)
+//   MoveLast        MoveFirst then MoveLast
+//   MoveToPosition  one positional move to the next of 64 positions drawn once, with a fixed
+//                   seed, evenly over the table (each skips position - 1 keys of the index)
+//   CountAndPosition  RecordCount plus AbsolutePosition (each first asks SQLite whether another
+//                   connection committed: one PRAGMA data_version)
+//   StoreEdit       SetFieldValue of one text field plus UpdateRecord (one transaction)
+//   Raw...          the floor of each
 //
 // The database is generated once per size and run into a temporary directory and removed at the
 // end. The counter max_rss_kb is the process's peak resident set so far.
@@ -18,7 +22,9 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "data/sample_database.h"
 #include "datasources/sqlite/sqlite_data_source.h"
@@ -94,12 +100,15 @@ struct Raw {
     last =
         Statement(db, "SELECT " + list + " FROM Opportunity ORDER BY rowid DESC LIMIT 1", "bench");
     update = Statement(db, "UPDATE Opportunity SET F_OPPNAME = ? WHERE rowid = ?", "bench");
+    at = Statement(db, "SELECT " + list + " FROM Opportunity ORDER BY rowid LIMIT 1 OFFSET ?",
+                   "bench");
   }
   ~Raw() {
     next = Statement();
     first = Statement();
     last = Statement();
     update = Statement();
+    at = Statement();
     sqlite3_close(db);
   }
   // Steps `s` and reads every column as the source does; returns the rowid (0 for none).
@@ -117,8 +126,17 @@ struct Raw {
   }
   sqlite3* db = nullptr;
   int column_count = 0;
-  Statement next, first, last, update;
+  Statement next, first, last, update, at;
 };
+
+// 64 positions from 1 to `rows`, the same in every run.
+std::vector<int32_t> RandomPositions(int64_t rows) {
+  std::mt19937 generator(20260521);
+  std::uniform_int_distribution<int32_t> position(1, static_cast<int32_t>(rows));
+  std::vector<int32_t> out(64);
+  for (int32_t& p : out) p = position(generator);
+  return out;
+}
 
 void BM_Open(benchmark::State& state) {
   TheDatabases().Path(state.range(0));
@@ -126,6 +144,31 @@ void BM_Open(benchmark::State& state) {
     auto ds = OpenSource(state.range(0));
     benchmark::DoNotOptimize(ds->RecordCount());
     if (ds->RecordCount() != state.range(0)) state.SkipWithError("wrong RecordCount");
+  }
+  ReportRss(state);
+}
+
+void BM_RawOpen(benchmark::State& state) {
+  const std::string& path = TheDatabases().Path(state.range(0));
+  for (auto _ : state) {
+    sqlite3* db = nullptr;
+    sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);
+    ExecuteSql(db, "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL", "bench");
+    int64_t count = 0;
+    {
+      Statement counted(db, "SELECT row_count FROM tarn_row_count WHERE table_name = 'Opportunity'",
+                        "bench");
+      if (sqlite3_step(counted.get()) == SQLITE_ROW) count = sqlite3_column_int64(counted.get(), 0);
+      Statement first(db, "SELECT * FROM Opportunity ORDER BY rowid LIMIT 1", "bench");
+      if (sqlite3_step(first.get()) == SQLITE_ROW) {
+        for (int c = 0; c < sqlite3_column_count(first.get()); ++c) {
+          SqlValue v = SqlValue::FromColumn(first.get(), c);
+          benchmark::DoNotOptimize(v);
+        }
+      }
+    }
+    sqlite3_close(db);
+    if (count != state.range(0)) state.SkipWithError("wrong count");
   }
   ReportRss(state);
 }
@@ -162,10 +205,10 @@ void BM_RawMoveNext(benchmark::State& state) {
 void BM_MoveLast(benchmark::State& state) {
   auto ds = OpenSource(state.range(0));
   for (auto _ : state) {
-    ds->MoveFirst();
-    ds->MoveLast();
-    if (ds->AbsolutePosition() != state.range(0)) state.SkipWithError("wrong position");
+    if (ds->MoveFirst() || ds->MoveLast()) state.SkipWithError("move failed");
   }
+  // Checked once, outside the timing: AbsolutePosition has a row of its own below.
+  if (ds->AbsolutePosition() != state.range(0)) state.SkipWithError("wrong position");
   ReportRss(state);
 }
 
@@ -174,6 +217,58 @@ void BM_RawMoveLast(benchmark::State& state) {
   for (auto _ : state) {
     benchmark::DoNotOptimize(raw.Read(raw.first.get()));
     benchmark::DoNotOptimize(raw.Read(raw.last.get()));
+  }
+  ReportRss(state);
+}
+
+void BM_MoveToPosition(benchmark::State& state) {
+  auto ds = OpenSource(state.range(0));
+  const std::vector<int32_t> positions = RandomPositions(state.range(0));
+  size_t i = 0;
+  for (auto _ : state) {
+    if (ds->MoveToPosition(positions[i++ % positions.size()])) {
+      state.SkipWithError("MoveToPosition failed");
+    }
+  }
+  if (i > 0 && ds->AbsolutePosition() != positions[(i - 1) % positions.size()]) {
+    state.SkipWithError("wrong position");
+  }
+  ReportRss(state);
+}
+
+void BM_CountAndPosition(benchmark::State& state) {
+  auto ds = OpenSource(state.range(0));
+  ds->MoveLast();
+  for (auto _ : state) {
+    if (ds->RecordCount() != state.range(0) || ds->AbsolutePosition() != state.range(0)) {
+      state.SkipWithError("wrong count or position");
+    }
+  }
+  ReportRss(state);
+}
+
+// The floor of knowing that nobody else wrote: one look at data_version for each answer.
+void BM_RawCountAndPosition(benchmark::State& state) {
+  Raw raw(state.range(0));
+  Statement version(raw.db, "PRAGMA data_version", "bench");
+  int64_t sum = 0;
+  for (auto _ : state) {
+    for (int k = 0; k < 2; ++k) {
+      if (sqlite3_step(version.get()) == SQLITE_ROW) sum += sqlite3_column_int64(version.get(), 0);
+      sqlite3_reset(version.get());
+    }
+  }
+  benchmark::DoNotOptimize(sum);
+  ReportRss(state);
+}
+
+void BM_RawMoveToPosition(benchmark::State& state) {
+  Raw raw(state.range(0));
+  const std::vector<int32_t> positions = RandomPositions(state.range(0));
+  size_t i = 0;
+  for (auto _ : state) {
+    sqlite3_bind_int64(raw.at.get(), 1, positions[i++ % positions.size()] - 1);
+    if (raw.Read(raw.at.get()) == 0) state.SkipWithError("no row");
   }
   ReportRss(state);
 }
@@ -207,10 +302,15 @@ void BM_RawStoreEdit(benchmark::State& state) {
 }
 
 BENCHMARK(BM_Open)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RawOpen)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MoveNext)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RawMoveNext)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MoveLast)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RawMoveLast)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_MoveToPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RawMoveToPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_CountAndPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RawCountAndPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_StoreEdit)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RawStoreEdit)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 

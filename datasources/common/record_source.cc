@@ -277,15 +277,23 @@ int32_t RecordSource::EditStatus() const {
   return status_;
 }
 
+void RecordSource::CatchUp() const {
+  // What other users stored is no state of this object: seeing it changes nothing a caller set.
+  if (!IsClosed()) const_cast<RecordSource*>(this)->SeeOtherUsersChanges(false);
+}
+
 int32_t RecordSource::RecordCount() const {
   BeforeOperation("RecordCount");
   if (IsClosed()) return 0;
+  CatchUp();
   return StoredCount() + (pending_ == Pending::kNewRow ? 1 : 0);
 }
 
 int32_t RecordSource::AbsolutePosition() const {
   BeforeOperation("AbsolutePosition");
-  return IsClosed() ? 0 : position_;
+  if (IsClosed()) return 0;
+  CatchUp();
+  return position_;
 }
 
 bool RecordSource::Refresh() {
@@ -308,21 +316,27 @@ int32_t RecordSource::FieldCount() const {
   return static_cast<int32_t>(definitions_.size());
 }
 
-bool RecordSource::CanMove() const {
-  return !IsClosed() && !IsQuery() && pending_ != Pending::kNewRow && StoredCount() != 0;
+bool RecordSource::CanMove(MoveTo to, int32_t position) const {
+  if (IsClosed() || IsQuery() || pending_ == Pending::kNewRow || StoredCount() == 0) return false;
+  return to != MoveTo::kPosition || (position >= 1 && position <= StoredCount());
 }
 
-bool RecordSource::Move(const char* operation, MoveTo to) {
+bool RecordSource::Move(const char* operation, MoveTo to, int32_t position) {
   BeforeOperation(operation);
+  // move_position_ is set again before each search: a listener may move elsewhere meanwhile.
+  move_position_ = position;
+  if (!IsClosed()) SeeOtherUsersChanges(true);
   if (pending_ == Pending::kNewRow && !IsClosed() && !IsQuery()) {
     return Refuse(
         "The new record is not stored yet. Store it or cancel it before moving to "
         "another record.");
   }
-  if (!CanMove() || !FindMoveTarget(to, false)) return true;
+  move_position_ = position;
+  if (!CanMove(to, position) || !FindMoveTarget(to, false)) return true;
   if (RaiseMoveRecordBefore()) return true;
   // A listener may have moved, stored or closed meanwhile: decide again from what holds now.
-  if (!CanMove() || !FindMoveTarget(to, true)) return true;
+  move_position_ = position;
+  if (!CanMove(to, position) || !FindMoveTarget(to, true)) return true;
   bool status_changed = false;
   if (StorePending(&status_changed) != 0) return true;
   EnterMoveTarget();
@@ -334,6 +348,9 @@ bool RecordSource::MoveFirst() { return Move("MoveFirst", MoveTo::kFirst); }
 bool RecordSource::MovePrevious() { return Move("MovePrevious", MoveTo::kPrevious); }
 bool RecordSource::MoveNext() { return Move("MoveNext", MoveTo::kNext); }
 bool RecordSource::MoveLast() { return Move("MoveLast", MoveTo::kLast); }
+bool RecordSource::MoveToPosition(int32_t position) {
+  return Move("MoveToPosition", MoveTo::kPosition, position);
+}
 
 bool RecordSource::RowEditable(int32_t row) const {
   BeforeOperation("RowEditable");
@@ -385,6 +402,9 @@ bool RecordSource::SetFieldValue(const Variant& field, const Variant& value, int
   }
   if (read_only_) return Refuse("The data is read-only: " + name + " cannot be changed.");
   if (!def.updatable) return Refuse(name + " cannot be changed.");
+  if (const std::string why = FieldRefusal(index, pending_ == Pending::kNewRow); !why.empty()) {
+    return Refuse(why);
+  }
   if (!RowEditableAt(0)) return Refuse("This record cannot be changed.");
   const bool permitted =
       allow_modify_ || (pending_ == Pending::kNewRow && status_ == dsNewRecord && allow_add_new_) ||
@@ -421,6 +441,7 @@ void RecordSource::DeleteRecord() {
   if (!HasStoredCurrent()) return (void)Refuse("There is no record to delete.");
   if (read_only_) return (void)Refuse("The data is read-only: the record cannot be deleted.");
   if (!allow_delete_) return (void)Refuse("Deleting records is not allowed.");
+  if (const std::string why = DeletionRefusal(); !why.empty()) return (void)Refuse(why);
   if (!RowEditableAt(0)) return (void)Refuse("This record cannot be deleted.");
   if (!DeleteStoredCurrent()) return;
   pending_ = Pending::kNone;
@@ -454,6 +475,7 @@ void RecordSource::CopyRecord() {
   if (IsQuery()) return (void)Refuse("Records cannot be copied while a query is entered.");
   if (read_only_) return (void)Refuse("The data is read-only: no record can be added.");
   if (!allow_copy_) return (void)Refuse("Copying records is not allowed.");
+  if (const std::string why = NewRecordRefusal(); !why.empty()) return (void)Refuse(why);
   if (pending_ != Pending::kNewRow && !HasStoredCurrent()) {
     return (void)Refuse("There is no record to copy.");
   }
@@ -471,6 +493,7 @@ void RecordSource::NewRecord(int32_t /*flag*/, const Variant& /*optional*/) {
   if (IsQuery()) return (void)Refuse("Records cannot be added while a query is entered.");
   if (read_only_) return (void)Refuse("The data is read-only: no record can be added.");
   if (!allow_add_new_) return (void)Refuse("Adding records is not allowed.");
+  if (const std::string why = NewRecordRefusal(); !why.empty()) return (void)Refuse(why);
   BeginNewRecord(std::vector<Variant>(definitions_.size(), Variant::Null()), false);
 }
 

@@ -19,6 +19,10 @@
 // - ExecuteQuery ends with SysDataSourceRefresh, then EditStatusChange; outside status 1 it runs
 //   the last query again. Moves, in a set of records, raise MoveRecordBefore/SysMoveRecordAfter
 //   also when the target is the current record (MoveFirst on the first).
+// - MoveToPosition, a move of ours for hosts (a scroll bar, a "go to record n" box), behaves as
+//   MoveNext does: the same signals, the same refusals, the same result.
+// - A source whose rows other users can change sees their changes at its next read of the set
+//   (SeeOtherUsersChanges below).
 // - Refusals show a plain message box with the reason (through the Dialogs given, if any) and
 //   change nothing.
 #ifndef TARNSHEETS_DATASOURCES_COMMON_RECORD_SOURCE_H_
@@ -89,6 +93,12 @@ class RecordSource : public DataSource {
   bool MovePrevious() override;
   bool MoveNext() override;
   bool MoveLast() override;
+  // Makes the record at 1-based `position` of the set current, raising the signals of a move
+  // (MoveRecordBefore, then, unless cancelled, SysMoveRecordAfter). Returns false when it moved.
+  // Returns true, as MoveNext does, and changes nothing when it cannot: the set is closed or in
+  // query mode, a new or copied record is pending (said in a message box), `position` is outside
+  // 1 to RecordCount (silently), a listener cancelled, or a pending change could not be stored.
+  bool MoveToPosition(int32_t position);
   bool RowEditable(int32_t row) const override;
   int32_t UpdateRecord() override;
   bool SetFieldValue(const Variant& field, const Variant& value, int32_t flag = 0) override;
@@ -104,7 +114,8 @@ class RecordSource : public DataSource {
 
  protected:
   enum class Pending { kNone, kChanges, kNewRow };
-  enum class MoveTo { kFirst, kPrevious, kNext, kLast };
+  // kPosition: the 1-based position in move_position_.
+  enum class MoveTo { kFirst, kPrevious, kNext, kLast, kPosition };
 
   explicit RecordSource(Dialogs* dialogs);
 
@@ -116,6 +127,13 @@ class RecordSource : public DataSource {
   // Called first by every operation of the contract, by the field objects' Value, Symbol and
   // SetValue, and by Open, with the operation's name; may throw to make the operation fail.
   virtual void BeforeOperation(const char* /*operation*/) const {}
+  // Brings the count and the position up to date with what other users stored since the set was
+  // read. Called by RecordCount and AbsolutePosition, which should not read for it (a sheet asks
+  // them many times for each record it shows), and first by every move (`before_move`, with
+  // move_position_ set), before anything is decided; a source whose FindMoveTarget reads the
+  // database anyway may leave the check of a move to it. It must not change the current record
+  // nor raise a signal. May throw.
+  virtual void SeeOtherUsersChanges(bool /*before_move*/) {}
   // Records in the set, without a pending new record.
   virtual int32_t StoredCount() const = 0;
   // A stored record is current (none while a new or copied record is pending).
@@ -130,6 +148,15 @@ class RecordSource : public DataSource {
   virtual bool CopiesField(int /*index*/) const { return true; }
   // A SetFieldValue of field `index` is refused whatever its value.
   virtual bool RefusesField(int /*index*/) const { return false; }
+  // Why field `index`, which is Updatable, takes no value in the record being edited: a new or
+  // copied one (`new_record`) or a stored one; empty when it takes values.
+  virtual std::string FieldRefusal(int /*index*/, bool /*new_record*/) const {
+    return std::string();
+  }
+  // Why the storage takes no new (or copied) records, or deletes none; empty when it does. The
+  // text is shown as the refusal of NewRecord, CopyRecord or DeleteRecord.
+  virtual std::string NewRecordRefusal() const { return std::string(); }
+  virtual std::string DeletionRefusal() const { return std::string(); }
   // Reads the set from its start with the conditions of the last query (all empty at Open) and
   // makes its first record current.
   virtual void ReadSetFromStart() = 0;
@@ -178,7 +205,8 @@ class RecordSource : public DataSource {
   // State; every signal is raised only after these hold their new values. Changed by this class
   // and by the concrete source's storage operations.
   int32_t status_ = dsClosed;
-  int32_t position_ = 0;  // 1-based; StoredCount() + 1 for a pending new row
+  int32_t position_ = 0;       // 1-based; StoredCount() + 1 for a pending new row
+  int32_t move_position_ = 0;  // the target of MoveTo::kPosition while FindMoveTarget runs
   Pending pending_ = Pending::kNone;
   std::vector<Variant> pending_values_;
   std::vector<bool> changed_;  // fields changed by the pending change
@@ -204,9 +232,12 @@ class RecordSource : public DataSource {
   std::string Quoted(const Variant& v) const;
   // Makes a pending change of the current record from its stored values.
   void BeginChanges();
-  bool Move(const char* operation, MoveTo to);
+  // `position` is the target of MoveTo::kPosition, unused otherwise.
+  bool Move(const char* operation, MoveTo to, int32_t position = 0);
   // The move is possible at all in what holds now.
-  bool CanMove() const;
+  bool CanMove(MoveTo to, int32_t position) const;
+  // SeeOtherUsersChanges for the const readers.
+  void CatchUp() const;
   // Stores what is pending without any signal. Returns 0 on success (and sets *status_changed
   // when a new record ends status 4 or 5); otherwise the storage's non-zero number, with the
   // record still pending.

@@ -748,5 +748,132 @@ TEST_P(DataSourceContractTest, NewRecordIsEditableWithAllowAddNewThoughModifying
   EXPECT_FALSE(ds_->SetFieldValue(Variant("F_NAME"), Variant("Copy")));
 }
 
+// --- The positional move of hosts ------------------------------------------------------------
+
+TEST_P(DataSourceContractTest, MoveToPositionRaisesTheSignalsOfAMoveAndLandsOnThatRecord) {
+  ASSERT_TRUE(move_to_position_) << "the source offers no positional move";
+  OpenQuietly();
+  SignalRecorder rec(ds_);
+  ds_->AddListener(&rec);
+  EXPECT_FALSE(move_to_position_(3));
+  EXPECT_EQ(rec.log, (Log{"MoveRecordBefore@0", "SysMoveRecordAfter@0"}));
+  EXPECT_EQ(rec.positions, (std::vector<int32_t>{1, 3}));
+  EXPECT_EQ(ds_->AbsolutePosition(), 3);
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Gamma"));
+  EXPECT_FALSE(move_to_position_(2));
+  EXPECT_EQ(ds_->AbsolutePosition(), 2);
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("beta"));
+  // Moves by one step go on from there.
+  EXPECT_FALSE(ds_->MovePrevious());
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Alpha"));
+  EXPECT_FALSE(move_to_position_(1));  // the current record: signals as MoveFirst on the first
+  EXPECT_EQ(rec.log.size(), 8u);
+  EXPECT_TRUE(dialogs_.boxes.empty());
+}
+
+TEST_P(DataSourceContractTest, MoveToPositionOutsideTheSetFailsWithoutSignalsOrWords) {
+  ASSERT_TRUE(move_to_position_);
+  OpenQuietly();
+  ASSERT_FALSE(ds_->MoveNext());
+  SignalRecorder rec(ds_);
+  ds_->AddListener(&rec);
+  for (int32_t position : {0, 4, -1, 1000000}) {
+    EXPECT_TRUE(move_to_position_(position)) << position;
+  }
+  EXPECT_TRUE(rec.log.empty());
+  EXPECT_TRUE(dialogs_.boxes.empty());
+  EXPECT_EQ(ds_->AbsolutePosition(), 2);
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("beta"));
+}
+
+TEST_P(DataSourceContractTest, MoveToPositionIsRefusedWhileANewRecordIsPending) {
+  ASSERT_TRUE(move_to_position_);
+  OpenQuietly();
+  ds_->NewRecord(0);
+  ASSERT_FALSE(ds_->SetFieldValue(Variant("F_NAME"), Variant("Delta")));
+  SignalRecorder rec(ds_);
+  ds_->AddListener(&rec);
+  EXPECT_TRUE(move_to_position_(1));
+  EXPECT_TRUE(rec.log.empty());
+  EXPECT_EQ(dialogs_.boxes.size(), 1u);
+  EXPECT_EQ(ds_->EditStatus(), dsNewRecord);
+  EXPECT_EQ(ds_->AbsolutePosition(), 4);
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Delta"));
+}
+
+TEST_P(DataSourceContractTest, MoveToPositionFailsInAClosedSetAndInQueryMode) {
+  ASSERT_TRUE(move_to_position_);
+  EXPECT_TRUE(move_to_position_(1));
+  EXPECT_EQ(ds_->EditStatus(), dsClosed);
+  OpenQuietly();
+  ASSERT_FALSE(ds_->NewQuery());
+  SignalRecorder rec(ds_);
+  ds_->AddListener(&rec);
+  EXPECT_TRUE(move_to_position_(2));
+  EXPECT_TRUE(rec.log.empty());
+  EXPECT_EQ(ds_->EditStatus(), dsQuery);
+}
+
+TEST_P(DataSourceContractTest, CancelledMoveToPositionLeavesStatusPositionAndRecord) {
+  ASSERT_TRUE(move_to_position_);
+  OpenQuietly();
+  SignalRecorder rec(ds_);
+  rec.cancel.insert("MoveRecordBefore");
+  ds_->AddListener(&rec);
+  EXPECT_TRUE(move_to_position_(3));
+  EXPECT_EQ(rec.log, (Log{"MoveRecordBefore@0"}));
+  EXPECT_EQ(ds_->AbsolutePosition(), 1);
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Alpha"));
+}
+
+TEST_P(DataSourceContractTest, MoveToPositionStoresAPendingChangeFirst) {
+  ASSERT_TRUE(move_to_position_);
+  OpenQuietly();
+  ASSERT_FALSE(ds_->SetFieldValue(Variant("F_NAME"), Variant("Alpha changed")));
+  EXPECT_FALSE(move_to_position_(3));
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Gamma"));
+  ASSERT_FALSE(move_to_position_(1));
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Alpha changed"));
+}
+
+TEST_P(DataSourceContractTest, MoveToPositionCountsWithinTheExecutedQuery) {
+  ASSERT_TRUE(move_to_position_);
+  OpenQuietly();
+  ASSERT_FALSE(ds_->NewQuery());
+  ASSERT_FALSE(ds_->SetFieldValue(Variant("F_REVENUE"), Variant(">0")));
+  ASSERT_FALSE(ds_->ExecuteQuery());
+  ASSERT_EQ(ds_->RecordCount(), 2);
+  EXPECT_FALSE(move_to_position_(2));
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Gamma"));
+  EXPECT_EQ(ds_->AbsolutePosition(), 2);
+  EXPECT_TRUE(move_to_position_(3));
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Gamma"));
+}
+
+TEST_P(DataSourceContractTest, ListenerThatMovesToAnotherPositionInsideMoveRecordBeforeWins) {
+  ASSERT_TRUE(move_to_position_);
+  OpenQuietly();
+  struct Mover : DataSourceEvents {
+    std::function<bool(int32_t)> move;
+    bool done = false;
+    void MoveRecordBefore(bool&) override {
+      if (done) return;
+      done = true;
+      move(2);
+    }
+  } mover;
+  mover.move = move_to_position_;
+  ds_->AddListener(&mover);
+  // The listener's move comes first; the outer one is then decided again from there.
+  EXPECT_FALSE(move_to_position_(3));
+  EXPECT_EQ(ds_->AbsolutePosition(), 3);
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Gamma"));
+  ConsistencyProbe probe(ds_);
+  ds_->AddListener(&probe);
+  EXPECT_FALSE(move_to_position_(1));
+  EXPECT_EQ(ValueOf(*ds_, "F_NAME"), Variant("Alpha"));
+  EXPECT_GT(probe.signals, 0);
+}
+
 }  // namespace
 }  // namespace tarnsheets

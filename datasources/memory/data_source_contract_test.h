@@ -28,6 +28,8 @@ namespace tarnsheets {
 struct ContractSource {
   std::unique_ptr<DataSource> source;
   std::function<void()> open;  // status 99 to 0, with its signals
+  // The source's positional move for hosts (MoveToPosition); true on failure, as MoveNext.
+  std::function<bool(int32_t position)> move_to_position = {};
 };
 
 struct DataSourceContractFactory {
@@ -101,6 +103,7 @@ class DataSourceContractTest : public ::testing::TestWithParam<DataSourceContrac
     ContractSource made = GetParam().make(&dialogs_);
     owned_ = std::move(made.source);
     open_ = std::move(made.open);
+    move_to_position_ = std::move(made.move_to_position);
     ds_ = owned_.get();
   }
   // Opens the source before any listener of the test is attached.
@@ -109,6 +112,7 @@ class DataSourceContractTest : public ::testing::TestWithParam<DataSourceContrac
   RecordingDialogs dialogs_;
   std::unique_ptr<DataSource> owned_;
   std::function<void()> open_;
+  std::function<bool(int32_t)> move_to_position_;
   DataSource* ds_ = nullptr;
 };
 

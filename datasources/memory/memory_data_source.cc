@@ -16,7 +16,7 @@ const char* const kOperations[] = {"AllowAddNew",     "AllowCopy",    "AllowDele
                                    "NewRecord",       "UndoRecord",   "NewQuery",
                                    "RefineQuery",     "ExecuteQuery", "CancelQuery",
                                    "ParseFieldValue", "Value",        "Symbol",
-                                   "SetValue",        "Open"};
+                                   "SetValue",        "Open",         "MoveToPosition"};
 
 Failure BadDefinition(const std::string& what) { return Failure(kErrInvalidProcedureCall, what); }
 
@@ -217,6 +217,9 @@ bool MemoryDataSource::FindMoveTarget(MoveTo to, bool /*again*/) {
       break;
     case MoveTo::kPrevious:
       move_target_ = position_ > 1 && position_ <= n ? position_ - 1 : 0;
+      break;
+    case MoveTo::kPosition:
+      move_target_ = move_position_ >= 1 && move_position_ <= n ? move_position_ : 0;
       break;
   }
   return move_target_ != 0;

@@ -82,8 +82,8 @@ class MemoryDataSource : public RecordSource {
   void AcceptField(const std::string& name);
   // The next call of `operation` fails with Failure(number, description), once. Operations are
   // named as in the contract ("MoveNext", "SetFieldValue", "EditStatus", "Fields", ...; the
-  // field operations "Value", "Symbol", "SetValue"; and "Open"). An unknown name fails with
-  // kErrInvalidProcedureCall.
+  // field operations "Value", "Symbol", "SetValue"; "Open" and "MoveToPosition"). An unknown
+  // name fails with kErrInvalidProcedureCall.
   void FailNextCall(const std::string& operation, int32_t number, std::string description);
 
   // --- Inspection for tests and hosts.

@@ -43,7 +43,9 @@ INSTANTIATE_TEST_SUITE_P(Memory, DataSourceContractTest,
                              [](Dialogs* dialogs) {
                                auto s = StandardSource(dialogs);
                                MemoryDataSource* raw = s.get();
-                               return ContractSource{std::move(s), [raw] { raw->Open(); }};
+                               return ContractSource{
+                                   std::move(s), [raw] { raw->Open(); },
+                                   [raw](int32_t p) { return raw->MoveToPosition(p); }};
                              }}),
                          [](const ::testing::TestParamInfo<DataSourceContractFactory>& info) {
                            return info.param.name;

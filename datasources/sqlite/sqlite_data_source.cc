@@ -249,14 +249,15 @@ void SqliteDataSource::ReadSchema() {
     sqlite3_bind_text(kind.get(), 1, table_.c_str(), -1, SQLITE_TRANSIENT);
     const int rc = sqlite3_step(kind.get());
     if (rc == SQLITE_DONE) {
-      throw Failure(kErrDatabase, "There is no table " + where + ".");
+      throw Failure(kErrDatabase, "There is no table or view " + where + ".");
     }
     if (rc != SQLITE_ROW) throw DatabaseFailure(db_, "read the schema of " + where);
     const std::string type = reinterpret_cast<const char*>(sqlite3_column_text(kind.get(), 0));
-    if (type != "table") {
-      throw Failure(kErrDatabase, where + " is a " + type +
-                                      ", not a table: a record set needs the rows of a table.");
+    if (type != "table" && type != "view") {
+      throw Failure(kErrDatabase, where + " is " + (type == "index" ? "an " : "a ") + type +
+                                      ", not a table or a view: a record set needs rows.");
     }
+    is_view_ = type == "view";
   }
   Statement info(db_, "SELECT name, type, pk FROM pragma_table_info(?1) ORDER BY cid",
                  "read the columns of " + where);
@@ -296,14 +297,22 @@ void SqliteDataSource::ReadSchema() {
     columns_.push_back(std::move(c));
   }
   if (rc != SQLITE_DONE) throw DatabaseFailure(db_, "read the columns of " + where);
+  if (columns_.empty()) throw Failure(kErrDatabase, where + " has no columns.");
   if (primary_keys != 1) {
     for (Column& c : columns_) c.rowid_alias = false;
   }
-  for (Column& c : columns_) c.updatable = !c.rowid_alias;
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    columns_[i].updatable = !columns_[i].rowid_alias;
+    if (columns_[i].rowid_alias) key_field_ = static_cast<int>(i);
+  }
 
   std::unordered_map<std::string, int> index_by_name;
   for (size_t i = 0; i < columns_.size(); ++i) {
     index_by_name.emplace(columns_[i].name, static_cast<int>(i));
+  }
+  if (is_view_) {
+    ChooseViewKey(index_by_name);
+    ProbeViewTriggers();
   }
 
   // The metadata table, when the database has one.
@@ -343,7 +352,8 @@ void SqliteDataSource::ReadSchema() {
       number(2, kDateKindDateTime, kDateKindMinute, &c.date_kind, "date_kind");
       number(3, kNumberKindWhole, kNumberKindPercent, &c.number_kind, "number_kind");
       if (sqlite3_column_type(meta.get(), 4) != SQLITE_NULL) {
-        c.updatable = sqlite3_column_int64(meta.get(), 4) != 0;
+        // A view's column stays unwritable without a trigger that takes it.
+        c.updatable = sqlite3_column_int64(meta.get(), 4) != 0 && (!is_view_ || c.updatable);
       }
       const unsigned char* reference = sqlite3_column_text(meta.get(), 5);
       if (reference != nullptr) c.reference = reinterpret_cast<const char*>(reference);
@@ -351,7 +361,7 @@ void SqliteDataSource::ReadSchema() {
     if (rc != SQLITE_DONE) throw DatabaseFailure(db_, "read tarn_field_meta");
   }
 
-  column_list_ = "rowid";
+  column_list_ = key_sql_;
   std::vector<RecordFieldDefinition> definitions;
   for (const Column& c : columns_) {
     column_list_ += ", " + QuoteIdentifier(c.name);
@@ -363,6 +373,60 @@ void SqliteDataSource::ReadSchema() {
                                                 c.updatable, c.reference});
   }
   DefineFields(std::move(definitions));
+}
+
+void SqliteDataSource::ChooseViewKey(const std::unordered_map<std::string, int>& index_by_name) {
+  const std::string where = "view \"" + table_ + "\" in \"" + path_ + "\"";
+  std::string name = columns_.front().name;
+  bool has_key_table = false;
+  {
+    Statement s(db_,
+                "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'tarn_source_key'",
+                "read the schema");
+    has_key_table = sqlite3_step(s.get()) == SQLITE_ROW;
+  }
+  if (has_key_table) {
+    Statement key(db_, "SELECT column_name FROM tarn_source_key WHERE table_name = ?1",
+                  "read tarn_source_key");
+    sqlite3_bind_text(key.get(), 1, table_.c_str(), -1, SQLITE_TRANSIENT);
+    const int rc = sqlite3_step(key.get());
+    if (rc == SQLITE_ROW) {
+      const unsigned char* text = sqlite3_column_text(key.get(), 0);
+      name = text != nullptr ? reinterpret_cast<const char*>(text) : "";
+      if (index_by_name.count(name) == 0) {
+        throw Failure(kErrDatabase, "tarn_source_key row of \"" + table_ + "\": the " + where +
+                                        " has no column \"" + name + "\"");
+      }
+    } else if (rc != SQLITE_DONE) {
+      throw DatabaseFailure(db_, "read tarn_source_key");
+    }
+  }
+  key_field_ = index_by_name.at(name);
+  key_name_ = name;
+  key_sql_ = QuoteIdentifier(name);
+}
+
+void SqliteDataSource::ProbeViewTriggers() {
+  // SQLite prepares a write of a view only when an INSTEAD OF trigger takes it ("cannot modify
+  // ... because it is a view" otherwise); preparing runs nothing.
+  const auto prepares = [this](const std::string& sql) {
+    sqlite3_stmt* statement = nullptr;
+    const int rc = sqlite3_prepare_v2(db_, sql.c_str(), -1, &statement, nullptr);
+    sqlite3_finalize(statement);
+    return rc == SQLITE_OK;
+  };
+  takes_inserts_ = prepares("INSERT INTO " + quoted_table_ + " DEFAULT VALUES");
+  takes_deletes_ = prepares("DELETE FROM " + quoted_table_ + " WHERE 0");
+  bool takes_updates = false;
+  for (Column& c : columns_) {
+    c.update_trigger =
+        prepares("UPDATE " + quoted_table_ + " SET " + QuoteIdentifier(c.name) + " = NULL WHERE 0");
+    takes_updates = takes_updates || c.update_trigger;
+    // A column that only the INSERT trigger takes is written in new records only.
+    c.updatable = c.update_trigger || takes_inserts_;
+  }
+  // A view without any such trigger is read-only as a whole.
+  if (!takes_inserts_ && !takes_deletes_ && !takes_updates) read_only_ = true;
 }
 
 void SqliteDataSource::ReadSymbols() {
@@ -390,6 +454,8 @@ void SqliteDataSource::ReadSymbols() {
 }
 
 void SqliteDataSource::PrepareCounter() {
+  // A view has no triggers of ours: its records are counted.
+  if (is_view_) return;
   has_counter_ = HasRowCounter(db_, table_);
   if (has_counter_ || read_only_ || !options_.install_row_counter) return;
   try {
@@ -433,37 +499,38 @@ void SqliteDataSource::BindWhere(sqlite3_stmt* statement, int* index) const {
   for (const SqlValue& v : where_->params) v.Bind(statement, (*index)++);
 }
 
-bool SqliteDataSource::FetchRow(MoveTo to, int64_t from_rowid, int64_t* rowid,
+std::string SqliteDataSource::MoveSql(MoveTo to) const {
+  std::string sql = "SELECT " + column_list_ + " FROM " + quoted_table_;
+  std::string condition = where_->sql.empty() ? std::string() : "(" + where_->sql + ")";
+  const auto add = [&condition](const std::string& part) {
+    condition += condition.empty() ? part : " AND " + part;
+  };
+  if (to == MoveTo::kNext) add(key_sql_ + " > ?");
+  if (to == MoveTo::kPrevious) add(key_sql_ + " < ?");
+  if (!condition.empty()) sql += " WHERE " + condition;
+  const bool ascending = to == MoveTo::kFirst || to == MoveTo::kNext || to == MoveTo::kPosition;
+  sql += " ORDER BY " + key_sql_ + (ascending ? " LIMIT 1" : " DESC LIMIT 1");
+  if (to == MoveTo::kPosition) sql += " OFFSET ?";
+  return sql;
+}
+
+bool SqliteDataSource::FetchRow(MoveTo to, const SqlValue& from, int64_t offset, SqlValue* key,
                                 std::vector<SqlValue>* row) {
   sqlite3_stmt*& statement = move_statements_[static_cast<int>(to)];
-  if (statement == nullptr) {
-    std::string sql = "SELECT " + column_list_ + " FROM " + quoted_table_;
-    std::string condition = where_->sql.empty() ? std::string() : "(" + where_->sql + ")";
-    const auto add = [&condition](const char* part) {
-      condition += condition.empty() ? part : std::string(" AND ") + part;
-    };
-    if (to == MoveTo::kNext) add("rowid > ?");
-    if (to == MoveTo::kPrevious) add("rowid < ?");
-    if (!condition.empty()) sql += " WHERE " + condition;
-    sql += to == MoveTo::kFirst || to == MoveTo::kNext ? " ORDER BY rowid LIMIT 1"
-                                                       : " ORDER BY rowid DESC LIMIT 1";
-    statement = Cached(sql);
-  }
+  if (statement == nullptr) statement = Cached(MoveSql(to));
   ResetOnExit reset(statement);
   int index = 1;
   BindWhere(statement, &index);
-  if (to == MoveTo::kNext || to == MoveTo::kPrevious) {
-    sqlite3_bind_int64(statement, index, from_rowid);
-  }
-  return StepRow(statement, rowid, row);
+  if (to == MoveTo::kNext || to == MoveTo::kPrevious) from.Bind(statement, index);
+  if (to == MoveTo::kPosition) sqlite3_bind_int64(statement, index, offset);
+  return StepRow(statement, key, row);
 }
 
-bool SqliteDataSource::StepRow(sqlite3_stmt* statement, int64_t* rowid,
-                               std::vector<SqlValue>* row) {
+bool SqliteDataSource::StepRow(sqlite3_stmt* statement, SqlValue* key, std::vector<SqlValue>* row) {
   const int rc = sqlite3_step(statement);
   if (rc == SQLITE_DONE) return false;
   if (rc != SQLITE_ROW) throw DatabaseFailure(db_, "read a record of \"" + table_ + "\"");
-  if (rowid != nullptr) *rowid = sqlite3_column_int64(statement, 0);
+  if (key != nullptr) *key = SqlValue::FromColumn(statement, 0);
   row->resize(columns_.size());
   for (size_t i = 0; i < columns_.size(); ++i) {
     (*row)[i] = SqlValue::FromColumn(statement, static_cast<int>(i) + 1);
@@ -471,12 +538,13 @@ bool SqliteDataSource::StepRow(sqlite3_stmt* statement, int64_t* rowid,
   return true;
 }
 
-bool SqliteDataSource::ReadRowById(int64_t rowid, std::vector<SqlValue>* row) {
+bool SqliteDataSource::ReadRowByKey(const SqlValue& key, std::vector<SqlValue>* row,
+                                    SqlValue* key_read) {
   sqlite3_stmt* statement =
-      Cached("SELECT " + column_list_ + " FROM " + quoted_table_ + " WHERE rowid = ?");
+      Cached("SELECT " + column_list_ + " FROM " + quoted_table_ + " WHERE " + key_sql_ + " = ?");
   ResetOnExit reset(statement);
-  sqlite3_bind_int64(statement, 1, rowid);
-  return StepRow(statement, nullptr, row);
+  key.Bind(statement, 1);
+  return StepRow(statement, key_read, row);
 }
 
 int64_t SqliteDataSource::CountRows() {
@@ -501,66 +569,162 @@ int64_t SqliteDataSource::CountRows() {
   return sqlite3_column_int64(statement, 0);
 }
 
-int64_t SqliteDataSource::PositionOf(int64_t rowid) {
-  sqlite3_stmt* statement =
-      Cached("SELECT count(*) FROM " + quoted_table_ + " WHERE " +
-             (where_->sql.empty() ? std::string() : "(" + where_->sql + ") AND ") + "rowid <= ?");
+int64_t SqliteDataSource::PositionOf(const SqlValue& key, bool* present) {
+  // The first '?' (in the result) and the last are the key; the query's values stand between.
+  sqlite3_stmt* statement = Cached(
+      "SELECT count(*), count(CASE WHEN " + key_sql_ + " = ? THEN 1 END) FROM " + quoted_table_ +
+      " WHERE " + (where_->sql.empty() ? std::string() : "(" + where_->sql + ") AND ") + key_sql_ +
+      " <= ?");
   ResetOnExit reset(statement);
-  int index = 1;
+  key.Bind(statement, 1);
+  int index = 2;
   BindWhere(statement, &index);
-  sqlite3_bind_int64(statement, index, rowid);
+  key.Bind(statement, index);
   if (sqlite3_step(statement) != SQLITE_ROW) {
     throw DatabaseFailure(db_, "find the position of a record of \"" + table_ + "\"");
+  }
+  if (present != nullptr) *present = sqlite3_column_int64(statement, 1) != 0;
+  return sqlite3_column_int64(statement, 0);
+}
+
+int64_t SqliteDataSource::DataVersion() {
+  sqlite3_stmt* statement = Cached("PRAGMA data_version");
+  ResetOnExit reset(statement);
+  if (sqlite3_step(statement) != SQLITE_ROW) {
+    throw DatabaseFailure(db_, "see other users' changes of \"" + table_ + "\"");
   }
   return sqlite3_column_int64(statement, 0);
 }
 
-bool SqliteDataSource::IsLastRow(int64_t rowid) {
-  int64_t next = 0;
+bool SqliteDataSource::IsLastRow(const SqlValue& key) {
+  SqlValue next;
   std::vector<SqlValue> ignored;
-  return !FetchRow(MoveTo::kNext, rowid, &next, &ignored);
+  return !FetchRow(MoveTo::kNext, key, 0, &next, &ignored);
+}
+
+void SqliteDataSource::MakeCurrent(SqlValue key, std::vector<SqlValue> row) {
+  current_key_ = std::move(key);
+  current_row_ = std::move(row);
+  current_gone_ = false;
+  rows_before_ = 0;
+}
+
+void SqliteDataSource::ForgetCurrent() {
+  current_key_ = SqlValue();
+  current_row_.clear();
+  current_gone_ = false;
+  rows_before_ = 0;
 }
 
 void SqliteDataSource::Reread(bool keep_current) {
+  // The version first: a commit of another user after it is seen at the next call.
+  const int64_t version = DataVersion();
+  file_version_ = FileVersion();
   const int64_t count = CountRows();
-  int64_t rowid = 0;
+  SqlValue key;
   std::vector<SqlValue> row;
   int64_t position = 0;
   bool found = false;
-  if (keep_current && current_rowid_ != 0) {
-    found = ReadRowById(current_rowid_, &row) && RowPassesWhere(current_rowid_);
+  if (keep_current && current_key_.type != SQLITE_NULL) {
+    found = ReadRowByKey(current_key_, &row) && RowPassesWhere(current_key_);
     if (found) {
-      rowid = current_rowid_;
+      key = current_key_;
     } else {
-      found = FetchRow(MoveTo::kNext, current_rowid_, &rowid, &row) ||
-              FetchRow(MoveTo::kLast, 0, &rowid, &row);
+      found = FetchRow(MoveTo::kNext, current_key_, 0, &key, &row) ||
+              FetchRow(MoveTo::kLast, SqlValue(), 0, &key, &row);
     }
-    if (found) position = PositionOf(rowid);
+    if (found) position = PositionOf(key);
   } else {
-    found = FetchRow(MoveTo::kFirst, 0, &rowid, &row);
+    found = FetchRow(MoveTo::kFirst, SqlValue(), 0, &key, &row);
     if (found) position = 1;
   }
+  data_version_ = version;
   count_ = static_cast<int32_t>(std::min<int64_t>(count, std::numeric_limits<int32_t>::max()));
   if (found) {
-    current_rowid_ = rowid;
-    current_row_ = std::move(row);
+    MakeCurrent(std::move(key), std::move(row));
     position_ = static_cast<int32_t>(position);
     if (count_ < position_) count_ = position_;
   } else {
-    current_rowid_ = 0;
-    current_row_.clear();
+    ForgetCurrent();
     position_ = 0;
   }
 }
 
-bool SqliteDataSource::RowPassesWhere(int64_t rowid) {
+unsigned SqliteDataSource::FileVersion() const {
+  unsigned version = 0;
+  sqlite3_file_control(db_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+  return version;
+}
+
+void SqliteDataSource::SeeOtherUsersChanges(bool before_move) {
+  if (before_move) {
+    // A move reads the database anyway: FindMoveTarget looks after that read, at no cost while
+    // nobody else writes (and sees there what any earlier read of the connection saw). Only what
+    // could refuse the move before it reads, an empty set or a position beyond the count, is
+    // checked here.
+    if (count_ == 0 || move_position_ > count_) {
+      CatchUpWithOtherUsers();
+    }
+    return;
+  }
+  // RecordCount and AbsolutePosition are read many times for each record a sheet shows, so they
+  // start no read of their own: they answer what the last read of the connection saw, and catch
+  // up only when that read saw another user's commit (a look at the pager, free). A move or
+  // Refresh reads and so sees every commit.
+  if (!MaySeeOtherUsersChanges()) return;
+  try {
+    CatchUpWithOtherUsers();
+  } catch (const Failure&) {
+    // RecordCount and AbsolutePosition answer what is known; the next move or Refresh, which
+    // read the database themselves, report the failure.
+  }
+}
+
+bool SqliteDataSource::CatchUpWithOtherUsers() {
+  const int64_t version = DataVersion();
+  const unsigned file_version = FileVersion();
+  if (version == data_version_) {
+    file_version_ = file_version;
+    return false;
+  }
+  // Everything is read before anything changes: a failure leaves the set as it was known.
+  const int32_t count =
+      static_cast<int32_t>(std::min<int64_t>(CountRows(), std::numeric_limits<int32_t>::max()));
+  int32_t position = position_;
+  bool gone = current_gone_;
+  int32_t before = rows_before_;
+  if (pending_ == Pending::kNewRow) {
+    position = count + 1;
+  } else if (current_key_.type != SQLITE_NULL) {
+    bool present = false;
+    const int64_t through = PositionOf(current_key_, &present);
+    gone = !present;
+    if (present) {
+      position = static_cast<int32_t>(through);
+      before = position - 1;
+    } else {
+      // The record shown is gone: it keeps its place between its neighbours.
+      before = static_cast<int32_t>(through);
+      position = count == 0 ? 0 : std::clamp<int32_t>(before + 1, 1, count);
+    }
+  }
+  data_version_ = version;
+  file_version_ = file_version;
+  count_ = std::max(count, pending_ == Pending::kNewRow ? 0 : position);
+  position_ = position;
+  current_gone_ = gone;
+  rows_before_ = before;
+  return true;
+}
+
+bool SqliteDataSource::RowPassesWhere(const SqlValue& key) {
   if (where_->sql.empty()) return true;
-  sqlite3_stmt* statement =
-      Cached("SELECT 1 FROM " + quoted_table_ + " WHERE (" + where_->sql + ") AND rowid = ?");
+  sqlite3_stmt* statement = Cached("SELECT 1 FROM " + quoted_table_ + " WHERE (" + where_->sql +
+                                   ") AND " + key_sql_ + " = ?");
   ResetOnExit reset(statement);
   int index = 1;
   BindWhere(statement, &index);
-  sqlite3_bind_int64(statement, index, rowid);
+  key.Bind(statement, index);
   const int rc = sqlite3_step(statement);
   if (rc != SQLITE_ROW && rc != SQLITE_DONE) {
     throw DatabaseFailure(db_, "read a record of \"" + table_ + "\"");
@@ -574,6 +738,17 @@ void SqliteDataSource::RunCached(const char* sql, const char* what) {
   if (sqlite3_step(statement) != SQLITE_DONE) {
     throw DatabaseFailure(db_, std::string(what) + " \"" + table_ + "\"");
   }
+}
+
+std::string SqliteDataSource::NextMovePlanForTest() {
+  Statement plan(db_, "EXPLAIN QUERY PLAN " + MoveSql(MoveTo::kNext), "explain a move");
+  std::string out;
+  while (sqlite3_step(plan.get()) == SQLITE_ROW) {
+    const unsigned char* detail = sqlite3_column_text(plan.get(), 3);
+    if (!out.empty()) out += "; ";
+    if (detail != nullptr) out += reinterpret_cast<const char*>(detail);
+  }
+  return out;
 }
 
 // --- Values -----------------------------------------------------------------------------------
@@ -737,6 +912,38 @@ Variant SqliteDataSource::StoredValue(int index) const {
   return FromSql(index, current_row_[index]);
 }
 
+std::string SqliteDataSource::FieldRefusal(int index, bool new_record) const {
+  if (new_record || columns_[index].update_trigger) return std::string();
+  return columns_[index].name + " of a stored record cannot be changed: no INSTEAD OF UPDATE " +
+         "trigger of the view \"" + table_ + "\" takes it.";
+}
+
+std::string SqliteDataSource::NewRecordRefusal() const {
+  if (takes_inserts_) return std::string();
+  return "The view \"" + table_ + "\" takes no new records (it has no INSTEAD OF INSERT trigger).";
+}
+
+std::string SqliteDataSource::DeletionRefusal() const {
+  if (takes_deletes_) return std::string();
+  return "The view \"" + table_ + "\" deletes no records (it has no INSTEAD OF DELETE trigger).";
+}
+
+int64_t SqliteDataSource::CurrentKey() const {
+  if (!HasStoredCurrent()) return 0;
+  const int64_t ticket = ++next_ticket_;
+  RememberedKey& slot = remembered_keys_[ticket % std::size(remembered_keys_)];
+  slot.ticket = ticket;
+  slot.key = current_key_;
+  slot.data_version = data_version_;
+  return ticket;
+}
+
+const SqliteDataSource::RememberedKey* SqliteDataSource::Remembered(int64_t ticket) const {
+  if (ticket <= 0) return nullptr;
+  const RememberedKey& slot = remembered_keys_[ticket % std::size(remembered_keys_)];
+  return slot.ticket == ticket ? &slot : nullptr;
+}
+
 void SqliteDataSource::ReadSetFromStart() {
   Where where;
   if (!BuildWhere(last_conditions_, &where)) {
@@ -752,47 +959,58 @@ void SqliteDataSource::ReadSetFromStart() {
 void SqliteDataSource::ReadSetAgain() { Reread(true); }
 
 void SqliteDataSource::ForgetSet() {
-  current_rowid_ = 0;
-  current_row_.clear();
+  ForgetCurrent();
   position_ = 0;
   count_ = 0;
 }
 
 bool SqliteDataSource::FindMoveTarget(MoveTo to, bool again) {
   // After MoveRecordBefore the row found before still holds unless a listener moved, stored or
-  // closed meanwhile; only then is it looked for again.
-  if (again && current_rowid_ == mark_rowid_ && position_ == mark_position_ &&
-      status_ == mark_status_) {
+  // closed meanwhile, or another user's changes were seen; only then is it looked for again.
+  if (again && current_key_ == mark_key_ && position_ == mark_position_ &&
+      status_ == mark_status_ && data_version_ == mark_version_ &&
+      (to != MoveTo::kPosition || target_position_ == move_position_)) {
     return true;
   }
-  bool found = false;
-  switch (to) {
-    case MoveTo::kFirst:
-      target_position_ = 1;
-      found = FetchRow(to, 0, &target_rowid_, &target_row_);
-      break;
-    case MoveTo::kLast:
-      target_position_ = count_;
-      found = FetchRow(to, 0, &target_rowid_, &target_row_);
-      break;
-    case MoveTo::kNext:
-      target_position_ = position_ + 1;
-      found = current_rowid_ != 0 && FetchRow(to, current_rowid_, &target_rowid_, &target_row_);
-      break;
-    case MoveTo::kPrevious:
-      target_position_ = position_ - 1;
-      found = current_rowid_ != 0 && FetchRow(to, current_rowid_, &target_rowid_, &target_row_);
-      break;
-  }
-  mark_rowid_ = current_rowid_;
+  bool found = SeekMoveTarget(to);
+  // The read saw what other users stored until now: when that is anything new, the count and
+  // the positions are read again, and the target with them.
+  if (MaySeeOtherUsersChanges() && CatchUpWithOtherUsers()) found = SeekMoveTarget(to);
+  mark_key_ = current_key_;
   mark_position_ = position_;
   mark_status_ = status_;
+  mark_version_ = data_version_;
   return found;
 }
 
+bool SqliteDataSource::SeekMoveTarget(MoveTo to) {
+  // Where a record deleted by another user stood, its neighbours are the records before and
+  // after the gap.
+  const int32_t before = current_gone_ ? rows_before_ : position_ - 1;
+  const int32_t after = current_gone_ ? rows_before_ + 1 : position_ + 1;
+  const bool has_current = current_key_.type != SQLITE_NULL;
+  switch (to) {
+    case MoveTo::kFirst:
+      target_position_ = 1;
+      return FetchRow(to, SqlValue(), 0, &target_key_, &target_row_);
+    case MoveTo::kLast:
+      target_position_ = count_;
+      return FetchRow(to, SqlValue(), 0, &target_key_, &target_row_);
+    case MoveTo::kNext:
+      target_position_ = after;
+      return has_current && FetchRow(to, current_key_, 0, &target_key_, &target_row_);
+    case MoveTo::kPrevious:
+      target_position_ = before;
+      return has_current && FetchRow(to, current_key_, 0, &target_key_, &target_row_);
+    case MoveTo::kPosition:
+      target_position_ = move_position_;
+      return FetchRow(to, SqlValue(), move_position_ - 1, &target_key_, &target_row_);
+  }
+  return false;
+}
+
 void SqliteDataSource::EnterMoveTarget() {
-  current_rowid_ = target_rowid_;
-  current_row_ = std::move(target_row_);
+  MakeCurrent(std::move(target_key_), std::move(target_row_));
   position_ = std::max<int32_t>(1, target_position_);
   // Another user may have added rows since the count was read.
   if (count_ < position_) count_ = position_;
@@ -803,24 +1021,72 @@ void SqliteDataSource::EnterMoveTarget() {
 int32_t SqliteDataSource::StoreChanges() { return Store(); }
 int32_t SqliteDataSource::StoreNewRecord() { return Store(); }
 
+bool SqliteDataSource::RowStillAsRead(const char* changed, const char* deleted,
+                                      std::string* failure) {
+  std::vector<SqlValue> now;
+  if (!ReadRowByKey(current_key_, &now)) {
+    *failure = deleted;
+    return false;
+  }
+  if (now != current_row_) {
+    *failure = changed;
+    return false;
+  }
+  return true;
+}
+
+bool SqliteDataSource::FindInsertedViewRow(const std::vector<SqlValue>& values, SqlValue* key,
+                                           std::vector<SqlValue>* row) {
+  // The key as the view gives it back (a text '7' may read as the number 7).
+  if (key_field_ >= 0 && values[key_field_].type != SQLITE_NULL &&
+      ReadRowByKey(values[key_field_], row, key)) {
+    return true;
+  }
+  std::string sql = "SELECT " + column_list_ + " FROM " + quoted_table_;
+  std::string condition;
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    if (values[i].type == SQLITE_NULL) continue;
+    condition +=
+        std::string(condition.empty() ? "" : " AND ") + QuoteIdentifier(columns_[i].name) + " IS ?";
+  }
+  if (!condition.empty()) sql += " WHERE " + condition;
+  sql += " ORDER BY " + key_sql_ + " DESC LIMIT 1";
+  Statement statement(db_, sql, "find the stored record in \"" + table_ + "\"");
+  int index = 1;
+  for (const SqlValue& v : values) {
+    if (v.type != SQLITE_NULL) v.Bind(statement.get(), index++);
+  }
+  return StepRow(statement.get(), key, row);
+}
+
 int32_t SqliteDataSource::Store() {
+  static constexpr char kChanged[] =
+      "The record was changed by another user since it was read. Nothing was stored: read it "
+      "again (Refresh) and repeat your changes.";
+  static constexpr char kDeleted[] =
+      "The record was deleted by another user since it was read. Nothing was stored.";
   int32_t code = 0;
   std::string failure;
-  int64_t new_rowid = 0;
+  SqlValue new_key;
   std::vector<SqlValue> new_row;
+  bool new_found = true;
+  bool key_changed = false;
   try {
     RunCached("BEGIN IMMEDIATE", "begin storing the record in");
     if (pending_ == Pending::kChanges) {
       // The statement is cached by the set of changed columns.
-      std::string key = "update:";
+      std::string cache_key = "update:";
       bool any = false;
       for (size_t i = 0; i < columns_.size(); ++i) {
-        key += changed_[i] ? '1' : '0';
+        cache_key += changed_[i] ? '1' : '0';
         any = any || changed_[i];
       }
-      if (any) {
+      // Over a view the trigger's changes are not counted by SQLite: the row is compared with
+      // what was read before the update, in the same transaction.
+      if (any && is_view_ && !RowStillAsRead(kChanged, kDeleted, &failure)) code = 1;
+      if (any && code == 0) {
         sqlite3_stmt* statement = nullptr;
-        auto cached = statements_.find(key);
+        auto cached = statements_.find(cache_key);
         if (cached != statements_.end()) {
           statement = cached->second;
         } else {
@@ -831,50 +1097,59 @@ int32_t SqliteDataSource::Store() {
             sql += std::string(first ? "" : ", ") + QuoteIdentifier(columns_[i].name) + " = ?";
             first = false;
           }
-          // The update holds only while every column still holds what was read: a row that
-          // another user changed or deleted meanwhile is not overwritten.
-          sql += " WHERE rowid = ?";
-          for (const Column& c : columns_) sql += " AND " + QuoteIdentifier(c.name) + " IS ?";
+          // The update of a table holds only while every column still holds what was read: a
+          // row that another user changed or deleted meanwhile is not overwritten.
+          sql += " WHERE " + key_sql_ + " = ?";
+          if (!is_view_) {
+            for (const Column& c : columns_) sql += " AND " + QuoteIdentifier(c.name) + " IS ?";
+          }
           statement = Cached(sql);
-          statements_.emplace(key, statement);
+          statements_.emplace(cache_key, statement);
         }
         ResetOnExit reset(statement);
         int index = 1;
         for (size_t i = 0; i < columns_.size(); ++i) {
           if (changed_[i]) ToSql(static_cast<int>(i), pending_values_[i]).Bind(statement, index++);
         }
-        sqlite3_bind_int64(statement, index++, current_rowid_);
-        for (const SqlValue& v : current_row_) v.Bind(statement, index++);
+        current_key_.Bind(statement, index++);
+        if (!is_view_) {
+          for (const SqlValue& v : current_row_) v.Bind(statement, index++);
+        }
         if (sqlite3_step(statement) != SQLITE_DONE) {
           throw DatabaseFailure(db_, "store the record in \"" + table_ + "\"");
         }
-        if (sqlite3_changes(db_) == 0) {
+        if (!is_view_ && sqlite3_changes(db_) == 0) {
           std::vector<SqlValue> now;
           code = 1;
-          failure = ReadRowById(current_rowid_, &now)
-                        ? "The record was changed by another user since it was read. Nothing "
-                          "was stored: read it again (Refresh) and repeat your changes."
-                        : "The record was deleted by another user since it was read. Nothing "
-                          "was stored.";
+          failure = ReadRowByKey(current_key_, &now) ? kChanged : kDeleted;
         }
       }
       if (code == 0) {
         // The row now holds what was read with the changed columns as bound. (A value that the
         // column's affinity converted still compares equal in the next update's check.)
-        new_rowid = current_rowid_;
+        new_key = current_key_;
+        key_changed = key_field_ >= 0 && changed_[key_field_];
+        if (key_changed) new_key = ToSql(key_field_, pending_values_[key_field_]);
         new_row = current_row_;
         for (size_t i = 0; i < columns_.size(); ++i) {
           if (changed_[i]) new_row[i] = ToSql(static_cast<int>(i), pending_values_[i]);
+        }
+        // A view's trigger may store something else than was bound: read what it shows now.
+        if (any && (is_view_ || key_changed)) {
+          std::vector<SqlValue> stored;
+          if (ReadRowByKey(new_key, &stored)) new_row = std::move(stored);
         }
       }
     } else {
       std::string names, marks;
       std::vector<SqlValue> values;
+      std::vector<SqlValue> given(columns_.size());
       for (size_t i = 0; i < columns_.size(); ++i) {
         SqlValue v = ToSql(static_cast<int>(i), pending_values_[i]);
         // Empty columns take their defaults; a copied record gets a key of its own.
         if (v.type == SQLITE_NULL) continue;
-        if (columns_[i].rowid_alias && status_ == dsCopyRecord) continue;
+        if (static_cast<int>(i) == key_field_ && status_ == dsCopyRecord) continue;
+        given[i] = v;
         names += std::string(names.empty() ? "" : ", ") + QuoteIdentifier(columns_[i].name);
         marks += std::string(marks.empty() ? "" : ", ") + "?";
         values.push_back(std::move(v));
@@ -888,9 +1163,15 @@ int32_t SqliteDataSource::Store() {
       if (sqlite3_step(statement) != SQLITE_DONE) {
         throw DatabaseFailure(db_, "store the new record in \"" + table_ + "\"");
       }
-      new_rowid = sqlite3_last_insert_rowid(db_);
-      if (!ReadRowById(new_rowid, &new_row)) {
-        throw DatabaseFailure(db_, "read the stored record of \"" + table_ + "\"");
+      if (is_view_) {
+        // A trigger's insert leaves no rowid behind: the record is looked for in the view.
+        new_found = FindInsertedViewRow(given, &new_key, &new_row);
+      } else {
+        new_key.type = SQLITE_INTEGER;
+        new_key.integer = sqlite3_last_insert_rowid(db_);
+        if (!ReadRowByKey(new_key, &new_row)) {
+          throw DatabaseFailure(db_, "read the stored record of \"" + table_ + "\"");
+        }
       }
     }
     if (code != 0) {
@@ -910,13 +1191,30 @@ int32_t SqliteDataSource::Store() {
   }
 
   if (pending_ == Pending::kChanges) {
-    current_row_ = std::move(new_row);
+    MakeCurrent(std::move(new_key), std::move(new_row));
+    if (key_changed) {
+      position_ = std::max<int32_t>(1, static_cast<int32_t>(PositionOf(current_key_)));
+      if (count_ < position_) count_ = position_;
+    }
+  } else if (!new_found) {
+    // The view's trigger stored a record that the view does not show (or that cannot be told
+    // from others): the set is read again and the last record is current.
+    count_ =
+        static_cast<int32_t>(std::min<int64_t>(CountRows(), std::numeric_limits<int32_t>::max()));
+    SqlValue key;
+    std::vector<SqlValue> row;
+    if (FetchRow(MoveTo::kLast, SqlValue(), 0, &key, &row)) {
+      MakeCurrent(std::move(key), std::move(row));
+      position_ = std::max<int32_t>(1, count_);
+    } else {
+      ForgetCurrent();
+      position_ = 0;
+    }
   } else {
     // The stored record stands where its key puts it; a new key is the highest as a rule.
-    current_rowid_ = new_rowid;
-    current_row_ = std::move(new_row);
+    MakeCurrent(std::move(new_key), std::move(new_row));
     ++count_;
-    position_ = IsLastRow(new_rowid) ? count_ : static_cast<int32_t>(PositionOf(new_rowid));
+    position_ = IsLastRow(current_key_) ? count_ : static_cast<int32_t>(PositionOf(current_key_));
     if (position_ < 1) position_ = 1;
     if (count_ < position_) count_ = position_;
   }
@@ -924,27 +1222,36 @@ int32_t SqliteDataSource::Store() {
 }
 
 bool SqliteDataSource::DeleteStoredCurrent() {
+  static constexpr char kChanged[] =
+      "The record was changed by another user since it was read. It was not deleted: read it "
+      "again (Refresh) first.";
+  static constexpr char kDeleted[] = "The record was already deleted by another user.";
   std::string failure;
   try {
     ExecuteSql(db_, "BEGIN IMMEDIATE", "begin deleting the record in \"" + table_ + "\"");
-    std::string sql = "DELETE FROM " + quoted_table_ + " WHERE rowid = ?";
-    for (const Column& c : columns_) sql += " AND " + QuoteIdentifier(c.name) + " IS ?";
-    sqlite3_stmt* statement = Cached(sql);
-    {
+    // Over a view the trigger's deletion is not counted by SQLite: the row is compared with what
+    // was read, in the same transaction, before it is deleted.
+    if (!is_view_ || RowStillAsRead(kChanged, kDeleted, &failure)) {
+      std::string sql = "DELETE FROM " + quoted_table_ + " WHERE " + key_sql_ + " = ?";
+      if (!is_view_) {
+        for (const Column& c : columns_) sql += " AND " + QuoteIdentifier(c.name) + " IS ?";
+      }
+      sqlite3_stmt* statement = Cached(sql);
       ResetOnExit reset(statement);
       int index = 1;
-      sqlite3_bind_int64(statement, index++, current_rowid_);
-      for (const SqlValue& v : current_row_) v.Bind(statement, index++);
+      current_key_.Bind(statement, index++);
+      if (!is_view_) {
+        for (const SqlValue& v : current_row_) v.Bind(statement, index++);
+      }
       if (sqlite3_step(statement) != SQLITE_DONE) {
         throw DatabaseFailure(db_, "delete the record in \"" + table_ + "\"");
       }
+      if (!is_view_ && sqlite3_changes(db_) == 0) {
+        std::vector<SqlValue> now;
+        failure = ReadRowByKey(current_key_, &now) ? kChanged : kDeleted;
+      }
     }
-    if (sqlite3_changes(db_) == 0) {
-      std::vector<SqlValue> now;
-      failure = ReadRowById(current_rowid_, &now)
-                    ? "The record was changed by another user since it was read. It was not "
-                      "deleted: read it again (Refresh) first."
-                    : "The record was already deleted by another user.";
+    if (!failure.empty()) {
       ExecuteSql(db_, "ROLLBACK", "roll back");
     } else {
       ExecuteSql(db_, "COMMIT", "delete the record in \"" + table_ + "\"");
@@ -958,67 +1265,51 @@ bool SqliteDataSource::DeleteStoredCurrent() {
     return false;
   }
 
-  const int64_t deleted = current_rowid_;
+  const SqlValue deleted = current_key_;
   --count_;
-  int64_t rowid = 0;
+  SqlValue key;
   std::vector<SqlValue> row;
-  if (FetchRow(MoveTo::kNext, deleted, &rowid, &row)) {
-    current_rowid_ = rowid;
-    current_row_ = std::move(row);
+  if (FetchRow(MoveTo::kNext, deleted, 0, &key, &row)) {
+    MakeCurrent(std::move(key), std::move(row));
     if (position_ > count_) position_ = count_;
-  } else if (FetchRow(MoveTo::kPrevious, deleted, &rowid, &row)) {
-    current_rowid_ = rowid;
-    current_row_ = std::move(row);
+  } else if (FetchRow(MoveTo::kPrevious, deleted, 0, &key, &row)) {
+    MakeCurrent(std::move(key), std::move(row));
     position_ = std::max<int32_t>(1, count_);
   } else {
-    current_rowid_ = 0;
-    current_row_.clear();
+    ForgetCurrent();
     position_ = 0;
     count_ = 0;
   }
   return true;
 }
 
-void SqliteDataSource::ReturnFromNewRecord(int64_t key, int32_t position) {
-  current_rowid_ = 0;
-  current_row_.clear();
-  position_ = 0;
-  if (count_ > 0) {
-    int64_t rowid = 0;
-    std::vector<SqlValue> row;
-    if (key != 0 && ReadRowById(key, &row)) {
-      current_rowid_ = key;
-      position_ = std::min(position, count_);
-    } else if (FetchRow(MoveTo::kFirst, 0, &rowid, &row)) {
-      current_rowid_ = rowid;
-      position_ = 1;
-    }
-    if (current_rowid_ != 0) {
-      current_row_ = std::move(row);
-      if (position_ < 1) position_ = 1;
-    }
+void SqliteDataSource::ReturnTo(int64_t ticket, int32_t position) {
+  const RememberedKey* remembered = Remembered(ticket);
+  std::vector<SqlValue> row;
+  if (remembered != nullptr && count_ > 0 && ReadRowByKey(remembered->key, &row)) {
+    const bool moved_on = remembered->data_version != data_version_;
+    MakeCurrent(remembered->key, std::move(row));
+    // Records that other users stored meanwhile move it: its place is read again.
+    position_ =
+        moved_on ? static_cast<int32_t>(PositionOf(current_key_)) : std::min(position, count_);
+    if (position_ < 1) position_ = 1;
+    if (count_ < position_) count_ = position_;
+    return;
+  }
+  SqlValue key;
+  if (count_ > 0 && FetchRow(MoveTo::kFirst, SqlValue(), 0, &key, &row)) {
+    MakeCurrent(std::move(key), std::move(row));
+    position_ = 1;
+  } else {
+    ForgetCurrent();
+    position_ = 0;
   }
 }
 
-void SqliteDataSource::ReturnFromQuery(int64_t key, int32_t position) {
-  std::vector<SqlValue> row;
-  if (key != 0 && ReadRowById(key, &row)) {
-    current_rowid_ = key;
-    current_row_ = std::move(row);
-    position_ = std::min(position, count_);
-    if (position_ < 1 && count_ > 0) position_ = 1;
-  } else {
-    int64_t rowid = 0;
-    if (FetchRow(MoveTo::kFirst, 0, &rowid, &row)) {
-      current_rowid_ = rowid;
-      current_row_ = std::move(row);
-      position_ = 1;
-    } else {
-      current_rowid_ = 0;
-      current_row_.clear();
-      position_ = 0;
-    }
-  }
+void SqliteDataSource::ReturnFromNewRecord(int64_t key, int32_t position) {
+  ReturnTo(key, position);
 }
+
+void SqliteDataSource::ReturnFromQuery(int64_t key, int32_t position) { ReturnTo(key, position); }
 
 }  // namespace tarnsheets

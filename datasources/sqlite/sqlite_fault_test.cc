@@ -41,18 +41,36 @@ TEST(SqliteFaultTest, MissingTableFailsNamingTheTable) {
   MakeContractDatabase(path);
   const Failure f = Caught([&] { SqliteDataSource::Create(path, "Nope", nullptr); });
   EXPECT_EQ(f.Number(), kErrDatabase);
-  EXPECT_NE(f.Description().find("no table \"Nope\""), std::string::npos) << f.Description();
+  EXPECT_NE(f.Description().find("no table or view \"Nope\""), std::string::npos)
+      << f.Description();
   Connection c(path);
   EXPECT_EQ(c.Number("SELECT count(*) FROM sqlite_schema WHERE name LIKE 'tarn_count%Nope'"), 0);
 }
 
-TEST(SqliteFaultTest, ViewIsRefusedAsARecordSet) {
-  const std::string path = NewDatabasePath("view");
+TEST(SqliteFaultTest, IndexIsRefusedAsARecordSetNamingWhatItIs) {
+  const std::string path = NewDatabasePath("index");
   MakeContractDatabase(path);
-  Connection(path).Exec("CREATE VIEW Big AS SELECT * FROM Deal WHERE F_REVENUE > 0");
+  Connection(path).Exec("CREATE INDEX DealByName ON Deal (F_NAME)");
+  const Failure f = Caught([&] { SqliteDataSource::Create(path, "DealByName", nullptr); });
+  EXPECT_EQ(f.Number(), kErrDatabase);
+  EXPECT_NE(
+      f.Description().find("\"DealByName\" in \"" + path + "\" is an index, not a table or a view"),
+      std::string::npos)
+      << f.Description();
+}
+
+TEST(SqliteFaultTest, KeyTableThatNamesNoColumnOfTheViewIsRefusedClearly) {
+  const std::string path = NewDatabasePath("view_key");
+  MakeContractDatabase(path);
+  Connection c(path);
+  c.Exec("CREATE VIEW Big AS SELECT * FROM Deal WHERE F_REVENUE > 0");
+  c.Exec("CREATE TABLE tarn_source_key (table_name TEXT PRIMARY KEY, column_name TEXT)");
+  c.Exec("INSERT INTO tarn_source_key VALUES ('Big', 'F_GONE')");
   const Failure f = Caught([&] { SqliteDataSource::Create(path, "Big", nullptr); });
   EXPECT_EQ(f.Number(), kErrDatabase);
-  EXPECT_NE(f.Description().find("is a view"), std::string::npos) << f.Description();
+  EXPECT_NE(f.Description().find("tarn_source_key row of \"Big\""), std::string::npos)
+      << f.Description();
+  EXPECT_NE(f.Description().find("no column \"F_GONE\""), std::string::npos) << f.Description();
 }
 
 TEST(SqliteFaultTest, CorruptFileFailsWithSqlitesMessageAndIsLeftAsItWas) {

@@ -1,5 +1,5 @@
 // Test helpers: a per-process directory of temporary database files, a direct connection for the
-// "other user", and the standard contract table as a SQLite database.
+// "other user", and the standard contract set as a SQLite table and as a writable view.
 #ifndef TARNSHEETS_DATASOURCES_SQLITE_SQLITE_TEST_SUPPORT_H_
 #define TARNSHEETS_DATASOURCES_SQLITE_SQLITE_TEST_SUPPORT_H_
 
@@ -92,6 +92,40 @@ inline void MakeContractDatabase(const std::string& path) {
       "CREATE TABLE Currency (CurrencyCode TEXT PRIMARY KEY, Symbol TEXT);"
       "INSERT INTO Currency VALUES ('USD', '$'), ('CNY', '¥');"
       "INSERT INTO Deal VALUES ('Alpha', 100, 'USD', '2026-03-01 00:00:00', 0.45, 1, 1),"
+      "('beta', -50.5, 'CNY', '2026-04-15 00:00:00', 0.1, 0, 2),"
+      "('Gamma', 2000, 'USD', '2026-05-20 00:00:00', 0.9, NULL, 3);");
+}
+
+// The same set behind the view "DealView" over the table "DealBase", whose F_ID is an INTEGER
+// PRIMARY KEY: the view is keyed by F_ID through tarn_source_key and writable through INSTEAD OF
+// triggers (F_ID itself is not written; the base table assigns it).
+inline void MakeContractViewDatabase(const std::string& path) {
+  Connection c(path);
+  c.Exec(
+      "CREATE TABLE DealBase (F_NAME TEXT, F_REVENUE MONEY, CURR_CODE TEXT, F_DATE DATE, "
+      "F_PROB REAL, F_FLAG BOOLEAN, F_ID INTEGER PRIMARY KEY);"
+      "CREATE VIEW DealView AS SELECT F_NAME, F_REVENUE, CURR_CODE, F_DATE, F_PROB, F_FLAG, F_ID "
+      "FROM DealBase;"
+      "CREATE TRIGGER DealView_insert INSTEAD OF INSERT ON DealView BEGIN "
+      "INSERT INTO DealBase (F_NAME, F_REVENUE, CURR_CODE, F_DATE, F_PROB, F_FLAG) VALUES "
+      "(NEW.F_NAME, NEW.F_REVENUE, NEW.CURR_CODE, NEW.F_DATE, NEW.F_PROB, NEW.F_FLAG); END;"
+      "CREATE TRIGGER DealView_update INSTEAD OF UPDATE OF F_NAME, F_REVENUE, CURR_CODE, F_DATE, "
+      "F_PROB, F_FLAG ON DealView BEGIN UPDATE DealBase SET F_NAME = NEW.F_NAME, F_REVENUE = "
+      "NEW.F_REVENUE, CURR_CODE = NEW.CURR_CODE, F_DATE = NEW.F_DATE, F_PROB = NEW.F_PROB, "
+      "F_FLAG = NEW.F_FLAG WHERE F_ID = OLD.F_ID; END;"
+      "CREATE TRIGGER DealView_delete INSTEAD OF DELETE ON DealView BEGIN "
+      "DELETE FROM DealBase WHERE F_ID = OLD.F_ID; END;"
+      "CREATE TABLE tarn_source_key (table_name TEXT PRIMARY KEY, column_name TEXT NOT NULL);"
+      "INSERT INTO tarn_source_key VALUES ('DealView', 'F_ID');"
+      "CREATE TABLE tarn_field_meta (table_name TEXT NOT NULL, column_name TEXT NOT NULL, "
+      "data_type INTEGER, date_kind INTEGER, number_kind INTEGER, updatable INTEGER, "
+      "reference_name TEXT, PRIMARY KEY (table_name, column_name));"
+      "INSERT INTO tarn_field_meta VALUES ('DealView', 'F_REVENUE', 4, NULL, NULL, NULL, "
+      "'CURR_CODE'), ('DealView', 'F_PROB', 5, NULL, 2, NULL, NULL), "
+      "('DealView', 'F_ID', 6, NULL, NULL, 0, NULL);"
+      "CREATE TABLE Currency (CurrencyCode TEXT PRIMARY KEY, Symbol TEXT);"
+      "INSERT INTO Currency VALUES ('USD', '$'), ('CNY', '¥');"
+      "INSERT INTO DealBase VALUES ('Alpha', 100, 'USD', '2026-03-01 00:00:00', 0.45, 1, 1),"
       "('beta', -50.5, 'CNY', '2026-04-15 00:00:00', 0.1, 0, 2),"
       "('Gamma', 2000, 'USD', '2026-05-20 00:00:00', 0.9, NULL, 3);");
 }
