@@ -4,6 +4,13 @@
 
 namespace tarnsheets {
 
+void LogNotifiedProperty(std::vector<std::string>& log, const std::string& key) {
+  if (log.size() >= kNotifiedPropertiesKept) {
+    log.erase(log.begin(), log.begin() + kNotifiedPropertiesKept / 2);
+  }
+  log.push_back(key);
+}
+
 bool KindHas(ControlKind kind, Capability capability) {
   using K = ControlKind;
   switch (capability) {

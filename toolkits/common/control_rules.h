@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tarnsheets/toolkit.h"
 
@@ -20,6 +21,12 @@ void Raise(Control& control, Member member, Args&... args) {
   const auto callback = control.Events().*member;
   if (callback) callback(args...);
 }
+
+// A user control's log of the keys passed to NotifyPropertyChanged, for inspection. An editor
+// tells its container of Text and Locked on every record a sheet shows, so the log keeps only
+// the latest kNotifiedPropertiesKept keys.
+inline constexpr size_t kNotifiedPropertiesKept = 256;
+void LogNotifiedProperty(std::vector<std::string>& log, const std::string& key);
 
 // Properties that only some kinds have; the others fail with 438.
 enum class Capability { kGeometry, kTabStop, kTabIndex, kCaption, kForeColor, kBackColor, kFont };

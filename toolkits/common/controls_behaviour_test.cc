@@ -275,6 +275,20 @@ TEST(UserControlTest, NotifyPropertyChangedIsRecordedAndAmbientFontIsTheContaine
   EXPECT_TRUE(tk.NotifiedProperties(*uc).empty());
 }
 
+// An editor tells its container of Text and Locked on every record a sheet shows; a long session
+// must not pile those up.
+TEST(UserControlTest, NotifiedPropertiesKeepTheLatestKeysOnly) {
+  ToolkitUnderTest tk;
+  auto form = tk.CreateForm("F");
+  auto uc = tk.CreateUserControl(*form, "SFText", "Txt");
+  for (int i = 0; i < 10000; ++i) uc->NotifyPropertyChanged("Key" + std::to_string(i));
+  const std::vector<std::string>& log = tk.NotifiedProperties(*uc);
+  ASSERT_FALSE(log.empty());
+  EXPECT_LE(log.size(), 256u);
+  EXPECT_EQ(log.back(), "Key9999");
+  EXPECT_EQ(log[log.size() - 2], "Key9998");
+}
+
 TEST(UserControlTest, RefreshAndRepaintRaisePaint) {
   ToolkitUnderTest tk;
   auto form = tk.CreateForm("F");

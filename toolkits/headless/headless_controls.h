@@ -401,7 +401,9 @@ class HUserControl : public HContainer<UserControl> {
   bool CanGetFocus() const override { return can_get_focus_; }
   void SetCanGetFocus(bool v) override { can_get_focus_ = v; }
   Font AmbientFont() const override;
-  void NotifyPropertyChanged(const std::string& key) override { notified_.push_back(key); }
+  void NotifyPropertyChanged(const std::string& key) override {
+    LogNotifiedProperty(notified_, key);
+  }
   void PopupMenu(Menu& menu) override { toolkit_->RunPopupMenu(menu); }
 
   HSurface surface_{this};

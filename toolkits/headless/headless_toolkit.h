@@ -176,7 +176,8 @@ class HeadlessToolkit : public Toolkit, private FocusHost {
   // The surface as pixels, row by row from the top: the resolved back colour, then the recorded
   // operations in order. `width` and `height` receive the size in pixels.
   std::vector<Color> RenderPixels(const Control& control, int32_t* width, int32_t* height) const;
-  // Keys passed to NotifyPropertyChanged of a user control, in order.
+  // Keys passed to NotifyPropertyChanged of a user control, in order (the latest
+  // kNotifiedPropertiesKept of them).
   const std::vector<std::string>& NotifiedProperties(const UserControl& control) const;
   void ClearNotifiedProperties(UserControl& control);
   // The focus stops of a form in tab order (see the banner).

@@ -547,7 +547,9 @@ class QtUserControl : public QtContainer<UserControl> {
   bool CanGetFocus() const override { return can_get_focus_; }
   void SetCanGetFocus(bool v) override { can_get_focus_ = v; }
   Font AmbientFont() const override;
-  void NotifyPropertyChanged(const std::string& key) override { notified_.push_back(key); }
+  void NotifyPropertyChanged(const std::string& key) override {
+    LogNotifiedProperty(notified_, key);
+  }
   void PopupMenu(Menu& menu) override {
     if (toolkit_ != nullptr) toolkit_->RunPopupMenu(menu);
   }
