@@ -428,6 +428,12 @@ void CheckTheirLast(TheirSide& theirs, Truth& truth, int64_t rows) {
   Check(theirs.ShownSignal() == (truth.SignalAt(rows) != 0), "theirs: last check shown");
 }
 
+std::string Megabytes(int64_t bytes) {
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, "%.2f MB", static_cast<double>(bytes) / (1024.0 * 1024.0));
+  return buffer;
+}
+
 Results MeasureOurs(QtToolkit& toolkit, OurSide& ours, const std::string& path, int64_t rows,
                     const Settings& settings) {
   Results r;
@@ -477,7 +483,10 @@ Results MeasureOurs(QtToolkit& toolkit, OurSide& ours, const std::string& path, 
   }
   toolkit.ProcessEvents();
 
-  // Next record: a run of moves from the first record.
+  // Next record: a run of moves from the first record. The resident set before and after all
+  // the runs shows whether showing records piles anything up.
+  TrimHeap();
+  const int64_t resident_before_moves = ResidentBytes();
   const int64_t moves = std::min<int64_t>(settings.moves, rows - 1);
   const int64_t painted_moves = std::min<int64_t>(settings.painted_moves, rows - 1);
   for (int i = -1; i < reps; ++i) {
@@ -507,6 +516,11 @@ Results MeasureOurs(QtToolkit& toolkit, OurSide& ours, const std::string& path, 
     Check(ours.ShownName() == truth.NameAt(painted_moves + 1), "ours: name after painted moves");
     if (i >= 0) r.next_painted.values.push_back(s / static_cast<double>(painted_moves));
   }
+
+  TrimHeap();
+  r.notes += "ours: resident set " + Megabytes(ResidentBytes() - resident_before_moves) +
+             " larger after " + std::to_string((reps + 1) * (moves + painted_moves)) +
+             " moves shown; ";
 
   // The same moves of the source alone, to show what the sheet's display costs of a move.
   ours.TheSheet().SetSheetRecordset(nullptr);
@@ -683,12 +697,6 @@ std::string Duration(double seconds) {
   return buffer;
 }
 
-std::string Megabytes(int64_t bytes) {
-  char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%.2f MB", static_cast<double>(bytes) / (1024.0 * 1024.0));
-  return buffer;
-}
-
 void PrintRow(const char* what, const std::string& ours, const std::string& theirs, double ratio) {
   std::printf("  %-34s %14s %16s %10.4g\n", what, ours.c_str(), theirs.c_str(), ratio);
 }
@@ -763,7 +771,7 @@ void RunSize(QtToolkit& toolkit, OurSide& ours, TheirSide& theirs, const std::fi
   PrintSpread("ours edit and store", our.edit_and_store);
   PrintSpread("ours typing part", our.typing_only);
   PrintSpread("theirs edit and store", their.edit_and_store);
-  std::printf("  notes: %s\n", their.notes.c_str());
+  std::printf("  notes: %s%s\n", our.notes.c_str(), their.notes.c_str());
   std::fflush(stdout);
 }
 
