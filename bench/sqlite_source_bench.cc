@@ -5,8 +5,18 @@
 //   Open            create the source and open it: first record and exact RecordCount
 //   MoveNext        10,000 moves from the first record (each reads one row through the index)
 //   MoveLast        MoveFirst then MoveLast
+//   FirstMoveToPosition  the first positional move after Refresh: it reads the position index
+//                   (one pass over the keys) and then the record; index_bytes is its size
 //   MoveToPosition  one positional move to the next of 64 positions drawn once, with a fixed
-//                   seed, evenly over the table (each skips position - 1 keys of the index)
+//                   seed, evenly over the table, the position index read (each steps over at
+//                   most 255 keys of the table's index)
+//   RawMoveToPosition  the same positions by "ORDER BY rowid LIMIT 1 OFFSET position - 1"
+//   RawKeyPass      the floor of reading the position index: every rowid in order
+//   FindByExactText a query by example on F_OPPNAME with the whole name of the middle record
+//                   (NewQuery, SetFieldValue, ExecuteQuery: a COUNT and the first record)
+//   RawFindByExactText  the same two reads with "F_OPPNAME = ?"
+//   TextConditionScan / FoldGlobScan / RawEqualsScan  one COUNT over the table with the text
+//                   condition as the source writes it, as tarn_fold(..) GLOB, and with "= ?"
 //   CountAndPosition  RecordCount plus AbsolutePosition (each first asks SQLite whether another
 //                   connection committed: one PRAGMA data_version)
 //   StoreEdit       SetFieldValue of one text field plus UpdateRecord (one transaction)
@@ -224,6 +234,7 @@ void BM_RawMoveLast(benchmark::State& state) {
 void BM_MoveToPosition(benchmark::State& state) {
   auto ds = OpenSource(state.range(0));
   const std::vector<int32_t> positions = RandomPositions(state.range(0));
+  if (ds->MoveToPosition(1)) state.SkipWithError("MoveToPosition failed");  // reads the index
   size_t i = 0;
   for (auto _ : state) {
     if (ds->MoveToPosition(positions[i++ % positions.size()])) {
@@ -233,6 +244,23 @@ void BM_MoveToPosition(benchmark::State& state) {
   if (i > 0 && ds->AbsolutePosition() != positions[(i - 1) % positions.size()]) {
     state.SkipWithError("wrong position");
   }
+  ReportRss(state);
+}
+
+void BM_FirstMoveToPosition(benchmark::State& state) {
+  auto ds = OpenSource(state.range(0));
+  const std::vector<int32_t> positions = RandomPositions(state.range(0));
+  size_t i = 0;
+  for (auto _ : state) {
+    state.PauseTiming();
+    ds->Refresh();  // drops the position index
+    if (ds->PositionIndexSizeForTest() != 0) state.SkipWithError("index not dropped");
+    state.ResumeTiming();
+    if (ds->MoveToPosition(positions[i++ % positions.size()])) {
+      state.SkipWithError("MoveToPosition failed");
+    }
+  }
+  state.counters["index_bytes"] = static_cast<double>(ds->PositionIndexBytesForTest());
   ReportRss(state);
 }
 
@@ -273,6 +301,113 @@ void BM_RawMoveToPosition(benchmark::State& state) {
   ReportRss(state);
 }
 
+void BM_RawKeyPass(benchmark::State& state) {
+  Raw raw(state.range(0));
+  Statement keys(raw.db, "SELECT rowid FROM Opportunity ORDER BY rowid", "bench");
+  for (auto _ : state) {
+    int64_t n = 0;
+    std::vector<int64_t> kept;
+    while (sqlite3_step(keys.get()) == SQLITE_ROW) {
+      if (n++ % SqliteDataSource::kPositionIndexStep == 0) {
+        kept.push_back(sqlite3_column_int64(keys.get(), 0));
+      }
+    }
+    sqlite3_reset(keys.get());
+    if (n != state.range(0)) state.SkipWithError("wrong count");
+    benchmark::DoNotOptimize(kept);
+  }
+  ReportRss(state);
+}
+
+// The name of the middle record (an ASCII one: every third name is Chinese).
+std::string MiddleName(Raw& raw, int64_t rows) {
+  Statement s(raw.db, "SELECT F_OPPNAME FROM Opportunity WHERE rowid = ?", "bench");
+  int64_t rowid = rows / 2;
+  while (rowid % 3 == 0) ++rowid;  // row rowid - 1 of the generator
+  sqlite3_bind_int64(s.get(), 1, rowid);
+  if (sqlite3_step(s.get()) != SQLITE_ROW) return "";
+  return reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0));
+}
+
+void BM_FindByExactText(benchmark::State& state) {
+  std::string name;
+  {
+    Raw raw(state.range(0));
+    name = MiddleName(raw, state.range(0));
+  }
+  auto ds = OpenSource(state.range(0));
+  for (auto _ : state) {
+    if (ds->NewQuery() || ds->SetFieldValue(Variant("F_OPPNAME"), Variant(name)) ||
+        ds->ExecuteQuery()) {
+      state.SkipWithError("query refused");
+    }
+    if (ds->RecordCount() != 1 || ds->Fields(Variant("F_OPPNAME")).Value(0) != Variant(name)) {
+      state.SkipWithError("wrong record");
+    }
+  }
+  ReportRss(state);
+}
+
+void BM_RawFindByExactText(benchmark::State& state) {
+  Raw raw(state.range(0));
+  const std::string name = MiddleName(raw, state.range(0));
+  std::string list;
+  for (int c = 0; c < sqlite3_column_count(raw.first.get()); ++c) {
+    list += std::string(list.empty() ? "" : ", ") +
+            QuoteIdentifier(sqlite3_column_name(raw.first.get(), c));
+  }
+  Statement count(raw.db, "SELECT count(*) FROM Opportunity WHERE F_OPPNAME = ?", "bench");
+  Statement first(raw.db,
+                  "SELECT " + list + " FROM Opportunity WHERE F_OPPNAME = ? ORDER BY rowid LIMIT 1",
+                  "bench");
+  for (auto _ : state) {
+    sqlite3_bind_text(count.get(), 1, name.c_str(), -1, SQLITE_TRANSIENT);
+    int64_t n = 0;
+    if (sqlite3_step(count.get()) == SQLITE_ROW) n = sqlite3_column_int64(count.get(), 0);
+    sqlite3_reset(count.get());
+    sqlite3_bind_text(first.get(), 1, name.c_str(), -1, SQLITE_TRANSIENT);
+    if (n != 1 || raw.Read(first.get()) == 0) state.SkipWithError("wrong record");
+  }
+  ReportRss(state);
+}
+
+// One COUNT over the table on the source's connection (where tarn_fold and tarn_text_matches are
+// registered) with `condition`, whose parameter is `operand`.
+void CountScan(benchmark::State& state, const std::string& condition, bool as_pattern) {
+  std::string name;
+  {
+    Raw raw(state.range(0));
+    name = MiddleName(raw, state.range(0));
+  }
+  auto ds = OpenSource(state.range(0));
+  std::string operand = name;
+  if (as_pattern) {
+    // The folded prefix pattern: the middle name is ASCII without brackets or wildcards.
+    for (char& c : operand) {
+      if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    }
+    operand += '*';
+  }
+  Statement count(ds->ConnectionForTest(), "SELECT count(*) FROM Opportunity WHERE " + condition,
+                  "bench");
+  for (auto _ : state) {
+    sqlite3_bind_text(count.get(), 1, operand.c_str(), -1, SQLITE_TRANSIENT);
+    int64_t n = 0;
+    if (sqlite3_step(count.get()) == SQLITE_ROW) n = sqlite3_column_int64(count.get(), 0);
+    sqlite3_reset(count.get());
+    if (n != 1) state.SkipWithError("wrong count");
+  }
+  ReportRss(state);
+}
+
+void BM_TextConditionScan(benchmark::State& state) {
+  CountScan(state, "tarn_text_matches(F_OPPNAME, ?)", false);
+}
+void BM_FoldGlobScan(benchmark::State& state) {
+  CountScan(state, "tarn_fold(F_OPPNAME) GLOB ?", true);
+}
+void BM_RawEqualsScan(benchmark::State& state) { CountScan(state, "F_OPPNAME = ?", false); }
+
 void BM_StoreEdit(benchmark::State& state) {
   auto ds = OpenSource(state.range(0));
   ds->MoveLast();
@@ -307,8 +442,15 @@ BENCHMARK(BM_MoveNext)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RawMoveNext)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MoveLast)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RawMoveLast)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_FirstMoveToPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_MoveToPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RawMoveToPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RawKeyPass)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_FindByExactText)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RawFindByExactText)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TextConditionScan)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FoldGlobScan)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RawEqualsScan)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CountAndPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RawCountAndPosition)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_StoreEdit)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);

@@ -75,33 +75,32 @@ bool ReadDateText(std::string_view text, Date* out, bool* has_time) {
   return true;
 }
 
+// The code point of UTF-8 at s[*i], advancing *i past it; an invalid byte stands for itself.
+char32_t NextCodePoint(std::string_view s, size_t* i) {
+  const unsigned char c = static_cast<unsigned char>(s[*i]);
+  const int len = c < 0x80 ? 1 : (c >> 5) == 6 ? 2 : (c >> 4) == 14 ? 3 : (c >> 3) == 30 ? 4 : 0;
+  if (len == 0 || *i + len > s.size()) {
+    ++*i;
+    return c;
+  }
+  char32_t cp = len == 1 ? c : len == 2 ? (c & 0x1F) : len == 3 ? (c & 0x0F) : (c & 0x07);
+  for (int k = 1; k < len; ++k) {
+    const unsigned char cc = static_cast<unsigned char>(s[*i + k]);
+    if ((cc >> 6) != 2) {
+      ++*i;
+      return c;
+    }
+    cp = (cp << 6) | (cc & 0x3F);
+  }
+  *i += len;
+  return cp;
+}
+
 // UTF-8 to code points; an invalid byte stands for itself.
 std::u32string Decode(std::string_view s) {
   std::u32string out;
   out.reserve(s.size());
-  for (size_t i = 0; i < s.size();) {
-    const unsigned char c = static_cast<unsigned char>(s[i]);
-    int len = c < 0x80 ? 1 : (c >> 5) == 6 ? 2 : (c >> 4) == 14 ? 3 : (c >> 3) == 30 ? 4 : 0;
-    if (len == 0 || i + len > s.size()) {
-      out += c;
-      ++i;
-      continue;
-    }
-    char32_t cp = len == 1 ? c : len == 2 ? (c & 0x1F) : len == 3 ? (c & 0x0F) : (c & 0x07);
-    bool ok = true;
-    for (int k = 1; k < len; ++k) {
-      const unsigned char cc = static_cast<unsigned char>(s[i + k]);
-      if ((cc >> 6) != 2) ok = false;
-      cp = (cp << 6) | (cc & 0x3F);
-    }
-    if (!ok) {
-      out += c;
-      ++i;
-      continue;
-    }
-    out += cp;
-    i += len;
-  }
+  for (size_t i = 0; i < s.size();) out += NextCodePoint(s, &i);
   return out;
 }
 
@@ -140,6 +139,36 @@ bool Glob(const std::u32string& pattern, const std::u32string& text) {
   }
   while (p < pattern.size() && pattern[p] == U'*') ++p;
   return p == pattern.size();
+}
+
+// The number of plain characters that `pattern` starts with when nothing but stars follows them
+// (a text condition without wildcards of its own), otherwise npos.
+size_t PlainPrefix(const std::u32string& pattern) {
+  const size_t plain = std::min(pattern.find_first_of(U"*?"), pattern.size());
+  return pattern.find_first_not_of(U'*', plain) == std::u32string::npos ? plain
+                                                                        : std::u32string::npos;
+}
+
+// Glob(pattern, FoldCase(text)), where `plain` is PlainPrefix(pattern). A pattern of plain
+// characters followed by nothing but stars is compared as the text is read, folding one
+// character at a time and stopping at the first difference: no folded copy of the text is made.
+bool FoldedGlob(const std::u32string& pattern, size_t plain, std::string_view text) {
+  if (plain == std::u32string::npos) return Glob(pattern, FoldCase(text));
+  size_t i = 0;
+  for (size_t p = 0; p < plain; ++p) {
+    if (i >= text.size()) return false;
+    const unsigned char b = static_cast<unsigned char>(text[i]);
+    char32_t c;
+    if (b < 0x80) {
+      c = b >= 'A' && b <= 'Z' ? b + 32 : b;
+      ++i;
+    } else {
+      c = Fold(NextCodePoint(text, &i));
+    }
+    if (c != pattern[p]) return false;
+  }
+  // Without a star the whole text must be covered.
+  return plain < pattern.size() || i == text.size();
 }
 
 bool IsTextType(int32_t t) { return t == kDataTypeText || t == kDataTypePlainText; }
@@ -358,6 +387,7 @@ bool QueryCondition::Parse(std::string_view text, const FieldShape& shape,
     c.kind_ = Kind::kText;
     c.pattern_ = FoldCase(text);
     c.pattern_ += U'*';  // a prefix
+    c.plain_ = PlainPrefix(c.pattern_);
     *out = std::move(c);
     return true;
   }
@@ -406,11 +436,15 @@ bool QueryCondition::Parse(std::string_view text, const FieldShape& shape,
   return true;
 }
 
+bool QueryCondition::MatchesText(std::string_view utf8) const {
+  return kind_ == Kind::kText && FoldedGlob(pattern_, plain_, utf8);
+}
+
 bool QueryCondition::Matches(const Variant& value) const {
   switch (kind_) {
     case Kind::kText:
       if (value.IsNull() || value.IsEmpty()) return false;
-      return Glob(pattern_, FoldCase(value.AsText()));
+      return FoldedGlob(pattern_, plain_, value.AsText());
     case Kind::kYesNo: {
       if (value.IsNull() || value.IsEmpty()) return !yes_;
       bool zero = false;

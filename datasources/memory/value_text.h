@@ -66,6 +66,11 @@ class QueryCondition {
                     std::string* reason);
 
   bool Matches(const Variant& value) const;
+  // For a text condition: whether the stored text `utf8` matches, as Matches(Variant(text))
+  // without building the Variant (false for a condition of another kind). A condition without
+  // wildcards of its own is compared as the text is read, one folded character at a time,
+  // stopping at the first difference.
+  bool MatchesText(std::string_view utf8) const;
 
  private:
   enum class Kind { kText, kYesNo, kCompare };
@@ -81,7 +86,9 @@ class QueryCondition {
 
   Kind kind_ = Kind::kText;
   std::u32string pattern_;  // folded, for kText
-  bool yes_ = false;        // for kYesNo
+  // The plain characters that pattern_ starts with when only stars follow them, else npos.
+  size_t plain_ = std::u32string::npos;
+  bool yes_ = false;  // for kYesNo
   Op op_ = Op::kEq;
   Operand a_, b_;
 };

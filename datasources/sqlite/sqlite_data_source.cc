@@ -54,7 +54,8 @@ std::string FoldedUtf8(std::string_view text) {
   return out;
 }
 
-// tarn_fold(x): the case fold of our comparisons, for text conditions in SQL.
+// tarn_fold(x): the case fold of our comparisons as UTF-8 (for a host's own SQL). ASCII text is
+// folded byte by byte; text without capitals is handed back as it is.
 void FoldFunction(sqlite3_context* context, int, sqlite3_value** argv) {
   if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
     sqlite3_result_null(context);
@@ -62,9 +63,63 @@ void FoldFunction(sqlite3_context* context, int, sqlite3_value** argv) {
   }
   const unsigned char* text = sqlite3_value_text(argv[0]);
   const int size = sqlite3_value_bytes(argv[0]);
-  const std::string folded =
-      FoldedUtf8(std::string_view(reinterpret_cast<const char*>(text), static_cast<size_t>(size)));
+  int i = 0;
+  bool capitals = false;
+  for (; i < size && text[i] < 0x80; ++i) capitals = capitals || (text[i] >= 'A' && text[i] <= 'Z');
+  if (i == size && !capitals) {
+    sqlite3_result_value(context, argv[0]);
+    return;
+  }
+  std::string folded;
+  if (i == size) {
+    folded.assign(reinterpret_cast<const char*>(text), static_cast<size_t>(size));
+    for (char& c : folded) {
+      if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    }
+  } else {
+    folded = FoldedUtf8(
+        std::string_view(reinterpret_cast<const char*>(text), static_cast<size_t>(size)));
+  }
   sqlite3_result_text(context, folded.data(), static_cast<int>(folded.size()), SQLITE_TRANSIENT);
+}
+
+// tarn_text_matches(x, condition): whether x matches the text condition as typed (a prefix
+// without regard to case, '*' and '?' wildcards), by QueryCondition's own rules. The parsed
+// condition is kept by SQLite for the whole statement. NULL matches nothing.
+void TextMatchesFunction(sqlite3_context* context, int, sqlite3_value** argv) {
+  auto* condition = static_cast<QueryCondition*>(sqlite3_get_auxdata(context, 1));
+  if (condition == nullptr) {
+    const unsigned char* text = sqlite3_value_text(argv[1]);
+    const int size = sqlite3_value_bytes(argv[1]);
+    auto parsed = std::make_unique<QueryCondition>();
+    std::string reason;
+    if (text == nullptr ||
+        !QueryCondition::Parse(
+            std::string_view(reinterpret_cast<const char*>(text), static_cast<size_t>(size)),
+            FieldShape{kDataTypeText, 0, 0}, {}, parsed.get(), &reason)) {
+      sqlite3_result_int(context, 0);
+      return;
+    }
+    condition = parsed.release();
+    sqlite3_set_auxdata(context, 1, condition,
+                        [](void* p) { delete static_cast<QueryCondition*>(p); });
+    // SQLite may have dropped it at once: it is asked for again.
+    condition = static_cast<QueryCondition*>(sqlite3_get_auxdata(context, 1));
+    if (condition == nullptr) {
+      sqlite3_result_error_nomem(context);
+      return;
+    }
+  }
+  if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+    sqlite3_result_int(context, 0);
+    return;
+  }
+  const unsigned char* text = sqlite3_value_text(argv[0]);
+  const int size = sqlite3_value_bytes(argv[0]);
+  sqlite3_result_int(context, condition->MatchesText(std::string_view(
+                                  reinterpret_cast<const char*>(text), static_cast<size_t>(size)))
+                                  ? 1
+                                  : 0);
 }
 
 SqlValue TextValue(std::string text) {
@@ -210,6 +265,11 @@ std::unique_ptr<SqliteDataSource> SqliteDataSource::Create(const std::string& pa
                                    SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr,
                                    FoldFunction, nullptr, nullptr, nullptr) != SQLITE_OK) {
       throw DatabaseFailure(db, "register tarn_fold");
+    }
+    if (sqlite3_create_function_v2(db, "tarn_text_matches", 2,
+                                   SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr,
+                                   TextMatchesFunction, nullptr, nullptr, nullptr) != SQLITE_OK) {
+      throw DatabaseFailure(db, "register tarn_text_matches");
     }
     std::unique_ptr<SqliteDataSource> source(
         new SqliteDataSource(db, path, table, dialogs, std::move(options)));
@@ -507,6 +567,7 @@ std::string SqliteDataSource::MoveSql(MoveTo to) const {
   };
   if (to == MoveTo::kNext) add(key_sql_ + " > ?");
   if (to == MoveTo::kPrevious) add(key_sql_ + " < ?");
+  if (to == MoveTo::kPosition) add(key_sql_ + " >= ?");
   if (!condition.empty()) sql += " WHERE " + condition;
   const bool ascending = to == MoveTo::kFirst || to == MoveTo::kNext || to == MoveTo::kPosition;
   sql += " ORDER BY " + key_sql_ + (ascending ? " LIMIT 1" : " DESC LIMIT 1");
@@ -516,13 +577,13 @@ std::string SqliteDataSource::MoveSql(MoveTo to) const {
 
 bool SqliteDataSource::FetchRow(MoveTo to, const SqlValue& from, int64_t offset, SqlValue* key,
                                 std::vector<SqlValue>* row) {
+  if (to == MoveTo::kPosition) return FetchAtPosition(offset + 1, key, row);
   sqlite3_stmt*& statement = move_statements_[static_cast<int>(to)];
   if (statement == nullptr) statement = Cached(MoveSql(to));
   ResetOnExit reset(statement);
   int index = 1;
   BindWhere(statement, &index);
   if (to == MoveTo::kNext || to == MoveTo::kPrevious) from.Bind(statement, index);
-  if (to == MoveTo::kPosition) sqlite3_bind_int64(statement, index, offset);
   return StepRow(statement, key, row);
 }
 
@@ -596,6 +657,84 @@ int64_t SqliteDataSource::DataVersion() {
   return sqlite3_column_int64(statement, 0);
 }
 
+size_t SqliteDataSource::PositionIndexBytesForTest() const {
+  size_t bytes =
+      index_integers_.capacity() * sizeof(int64_t) + index_values_.capacity() * sizeof(SqlValue);
+  for (const SqlValue& v : index_values_) {
+    if (v.text.capacity() > sizeof(std::string)) bytes += v.text.capacity();
+  }
+  return bytes;
+}
+
+void SqliteDataSource::DropPositionIndex() {
+  index_integers_ = {};
+  index_values_ = {};
+}
+
+void SqliteDataSource::ReadPositionIndex() {
+  DropPositionIndex();
+  // The keys alone, in key order, through the key's index.
+  sqlite3_stmt* statement = Cached("SELECT " + key_sql_ + " FROM " + quoted_table_ +
+                                   (where_->sql.empty() ? std::string() : " WHERE " + where_->sql) +
+                                   " ORDER BY " + key_sql_);
+  ResetOnExit reset(statement);
+  int index = 1;
+  BindWhere(statement, &index);
+  std::vector<int64_t> integers;
+  std::vector<SqlValue> values;
+  bool all_integers = true;
+  int64_t row = 0;
+  int rc;
+  while ((rc = sqlite3_step(statement)) == SQLITE_ROW) {
+    if (row++ % kPositionIndexStep != 0) continue;
+    if (all_integers && sqlite3_column_type(statement, 0) == SQLITE_INTEGER) {
+      integers.push_back(sqlite3_column_int64(statement, 0));
+      continue;
+    }
+    if (all_integers) {
+      // A key that is no integer: every key is kept as it is stored.
+      all_integers = false;
+      values.reserve(integers.size() + 1);
+      for (int64_t k : integers) {
+        SqlValue v;
+        v.type = SQLITE_INTEGER;
+        v.integer = k;
+        values.push_back(std::move(v));
+      }
+      integers = {};
+    }
+    values.push_back(SqlValue::FromColumn(statement, 0));
+  }
+  if (rc != SQLITE_DONE) throw DatabaseFailure(db_, "read the positions of \"" + table_ + "\"");
+  integers.shrink_to_fit();
+  values.shrink_to_fit();
+  index_integers_ = std::move(integers);
+  index_values_ = std::move(values);
+}
+
+bool SqliteDataSource::FetchAtPosition(int64_t position, SqlValue* key,
+                                       std::vector<SqlValue>* row) {
+  if (position < 1) return false;
+  if (index_integers_.empty() && index_values_.empty()) ReadPositionIndex();
+  const size_t step = static_cast<size_t>((position - 1) / kPositionIndexStep);
+  if (step >= index_integers_.size() + index_values_.size()) return false;
+  SqlValue from;
+  if (!index_integers_.empty()) {
+    from.type = SQLITE_INTEGER;
+    from.integer = index_integers_[step];
+  } else {
+    from = index_values_[step];
+  }
+  sqlite3_stmt*& statement = move_statements_[static_cast<int>(MoveTo::kPosition)];
+  if (statement == nullptr) statement = Cached(MoveSql(MoveTo::kPosition));
+  ResetOnExit reset(statement);
+  int index = 1;
+  BindWhere(statement, &index);
+  from.Bind(statement, index++);
+  sqlite3_bind_int64(statement, index, (position - 1) % kPositionIndexStep);
+  return StepRow(statement, key, row);
+}
+
 bool SqliteDataSource::IsLastRow(const SqlValue& key) {
   SqlValue next;
   std::vector<SqlValue> ignored;
@@ -617,6 +756,7 @@ void SqliteDataSource::ForgetCurrent() {
 }
 
 void SqliteDataSource::Reread(bool keep_current) {
+  DropPositionIndex();
   // The version first: a commit of another user after it is seen at the next call.
   const int64_t version = DataVersion();
   file_version_ = FileVersion();
@@ -687,6 +827,8 @@ bool SqliteDataSource::CatchUpWithOtherUsers() {
     file_version_ = file_version;
     return false;
   }
+  // Positions may have moved: the index is read again at the next positional move.
+  DropPositionIndex();
   // Everything is read before anything changes: a failure leaves the set as it was known.
   const int32_t count =
       static_cast<int32_t>(std::min<int64_t>(CountRows(), std::numeric_limits<int32_t>::max()));
@@ -830,18 +972,10 @@ bool SqliteDataSource::BuildWhere(const std::vector<std::string>& conditions, Wh
     const std::string col = QuoteIdentifier(c.name);
     std::string clause;
     if (IsTextType(c.data_type)) {
-      // A prefix without regard to case; '*' and '?' are the wildcards, '[' stands for itself.
-      std::string pattern;
-      for (char ch : FoldedUtf8(text)) {
-        if (ch == '[') {
-          pattern += "[[]";
-        } else {
-          pattern += ch;
-        }
-      }
-      pattern += '*';
-      clause = "tarn_fold(" + col + ") GLOB ?";
-      where->params.push_back(TextValue(std::move(pattern)));
+      // A prefix without regard to case; '*' and '?' are the wildcards, everything else (SQL's
+      // own wildcards and brackets too) stands for itself.
+      clause = "tarn_text_matches(" + col + ", ?)";
+      where->params.push_back(TextValue(std::string(text)));
     } else if (c.data_type == kDataTypeYesNo) {
       if (text == "1") {
         clause = col + " IS NOT NULL AND " + col + " <> 0";
@@ -959,6 +1093,7 @@ void SqliteDataSource::ReadSetFromStart() {
 void SqliteDataSource::ReadSetAgain() { Reread(true); }
 
 void SqliteDataSource::ForgetSet() {
+  DropPositionIndex();
   ForgetCurrent();
   position_ = 0;
   count_ = 0;
@@ -1004,7 +1139,7 @@ bool SqliteDataSource::SeekMoveTarget(MoveTo to) {
       return has_current && FetchRow(to, current_key_, 0, &target_key_, &target_row_);
     case MoveTo::kPosition:
       target_position_ = move_position_;
-      return FetchRow(to, SqlValue(), move_position_ - 1, &target_key_, &target_row_);
+      return FetchAtPosition(move_position_, &target_key_, &target_row_);
   }
   return false;
 }
@@ -1071,6 +1206,7 @@ int32_t SqliteDataSource::Store() {
   std::vector<SqlValue> new_row;
   bool new_found = true;
   bool key_changed = false;
+  bool patch_read_row = false;
   try {
     RunCached("BEGIN IMMEDIATE", "begin storing the record in");
     if (pending_ == Pending::kChanges) {
@@ -1111,9 +1247,10 @@ int32_t SqliteDataSource::Store() {
         for (size_t i = 0; i < columns_.size(); ++i) {
           if (changed_[i]) ToSql(static_cast<int>(i), pending_values_[i]).Bind(statement, index++);
         }
-        current_key_.Bind(statement, index++);
+        // The row as read stays unchanged until the statement is reset: bound without copies.
+        current_key_.BindUncopied(statement, index++);
         if (!is_view_) {
-          for (const SqlValue& v : current_row_) v.Bind(statement, index++);
+          for (const SqlValue& v : current_row_) v.BindUncopied(statement, index++);
         }
         if (sqlite3_step(statement) != SQLITE_DONE) {
           throw DatabaseFailure(db_, "store the record in \"" + table_ + "\"");
@@ -1130,14 +1267,13 @@ int32_t SqliteDataSource::Store() {
         new_key = current_key_;
         key_changed = key_field_ >= 0 && changed_[key_field_];
         if (key_changed) new_key = ToSql(key_field_, pending_values_[key_field_]);
-        new_row = current_row_;
-        for (size_t i = 0; i < columns_.size(); ++i) {
-          if (changed_[i]) new_row[i] = ToSql(static_cast<int>(i), pending_values_[i]);
-        }
         // A view's trigger may store something else than was bound: read what it shows now.
-        if (any && (is_view_ || key_changed)) {
-          std::vector<SqlValue> stored;
-          if (ReadRowByKey(new_key, &stored)) new_row = std::move(stored);
+        // Otherwise the row as read takes the changed values once the store holds.
+        std::vector<SqlValue> stored;
+        if (any && (is_view_ || key_changed) && ReadRowByKey(new_key, &stored)) {
+          new_row = std::move(stored);
+        } else {
+          patch_read_row = true;
         }
       }
     } else {
@@ -1189,8 +1325,19 @@ int32_t SqliteDataSource::Store() {
     Say(failure);
     return code;
   }
+  // A new record, a new key, or a change that may take a record into or out of the set (the
+  // executed query's WHERE, a view's own condition) moves positions.
+  if (pending_ != Pending::kChanges || key_changed || is_view_ || !where_->sql.empty()) {
+    DropPositionIndex();
+  }
 
   if (pending_ == Pending::kChanges) {
+    if (patch_read_row) {
+      new_row = std::move(current_row_);
+      for (size_t i = 0; i < columns_.size(); ++i) {
+        if (changed_[i]) new_row[i] = ToSql(static_cast<int>(i), pending_values_[i]);
+      }
+    }
     MakeCurrent(std::move(new_key), std::move(new_row));
     if (key_changed) {
       position_ = std::max<int32_t>(1, static_cast<int32_t>(PositionOf(current_key_)));
@@ -1239,9 +1386,9 @@ bool SqliteDataSource::DeleteStoredCurrent() {
       sqlite3_stmt* statement = Cached(sql);
       ResetOnExit reset(statement);
       int index = 1;
-      current_key_.Bind(statement, index++);
+      current_key_.BindUncopied(statement, index++);
       if (!is_view_) {
-        for (const SqlValue& v : current_row_) v.Bind(statement, index++);
+        for (const SqlValue& v : current_row_) v.BindUncopied(statement, index++);
       }
       if (sqlite3_step(statement) != SQLITE_DONE) {
         throw DatabaseFailure(db_, "delete the record in \"" + table_ + "\"");
@@ -1265,6 +1412,7 @@ bool SqliteDataSource::DeleteStoredCurrent() {
     return false;
   }
 
+  DropPositionIndex();
   const SqlValue deleted = current_key_;
   --count_;
   SqlValue key;

@@ -13,8 +13,19 @@
 //
 // Bounded memory and cost. The table is never loaded. The source holds the current row only (and
 // the pending one); a move reads one row through the key's index ("the next row after key k that
-// passes the query": WHERE key > ? ORDER BY key LIMIT 1). MoveToPosition(n) reads "ORDER BY key
-// LIMIT 1 OFFSET n - 1": its cost grows with n, SQLite steps over n - 1 keys of the index.
+// passes the query": WHERE key > ? ORDER BY key LIMIT 1).
+//
+// Positional moves. MoveToPosition(n) goes through a sparse position index of the set: the key
+// of every kPositionIndexStep-th record (positions 1, 1 + step, 1 + 2 step, ...), read by one
+// pass over the keys in key order with the executed query's WHERE the first time a positional
+// move needs it. The move then reads "WHERE key >= <key at the step below n> ... ORDER BY key
+// LIMIT 1 OFFSET (n - 1) % step": at most step - 1 keys are stepped over, whatever n. The index
+// holds 8 bytes per step for integer keys (about 31 KB per million records), a SqlValue per step
+// for other keys. It is dropped, and read again at the next positional move, whenever the set
+// may have changed: a new, copied or deleted record stored by the source, a change of the key or
+// any store over a view or within an executed query, another user's commit seen, ExecuteQuery,
+// Refresh and Close.
+//
 // RecordCount comes from a row counter that the database maintains by triggers (see below), or
 // from one COUNT(*) when the set is filtered by a query, comes from a view (a view has no
 // triggers of ours: that COUNT(*) scans what the view reads, at open, Refresh, ExecuteQuery and
@@ -79,8 +90,10 @@
 // Values: dates are stored as the text "yyyy-mm-dd hh:nn:ss" and read back as Date; money and
 // number fields read as Double, whole numbers as Long (Double beyond 32 bits), yes/no as numbers,
 // text as text. Query conditions (the rules of value_text.h) become a WHERE clause of bound
-// parameters; a text condition compares through the SQL function tarn_fold (our case folding)
-// with GLOB, so that it matches exactly as the memory source does.
+// parameters; a text condition is "tarn_text_matches(column, ?)", a SQL function of ours that
+// runs QueryCondition's own matching (value_text.h) on the stored text, so that it matches
+// exactly as the memory source does. A condition without wildcards of its own compares as the
+// text is read and stops at the first character that differs: no folded copy is made.
 #ifndef TARNSHEETS_DATASOURCES_SQLITE_SQLITE_DATA_SOURCE_H_
 #define TARNSHEETS_DATASOURCES_SQLITE_SQLITE_DATA_SOURCE_H_
 
@@ -143,7 +156,10 @@ class SqliteDataSource final : public RecordSource {
 
   // HasPendingRecord() of RecordSource: true while a change of the current record or a new or
   // copied record is pending.
-  // MoveToPosition(int32_t) of RecordSource: one "ORDER BY key LIMIT 1 OFFSET position - 1".
+  // MoveToPosition(int32_t) of RecordSource: through the position index (above).
+
+  // The number of records between two keys of the position index.
+  static constexpr int32_t kPositionIndexStep = 256;
 
   // The table's or view's name.
   const std::string& TableName() const { return table_; }
@@ -161,6 +177,10 @@ class SqliteDataSource final : public RecordSource {
   std::string NextMovePlanForTest();
   // Runs `sql` on the source's own connection (pragmas of fault tests).
   void ExecuteForTest(const std::string& sql);
+  // The number of keys in the position index; 0 while it is not read.
+  size_t PositionIndexSizeForTest() const { return index_integers_.size() + index_values_.size(); }
+  // The memory that the position index holds, in bytes.
+  size_t PositionIndexBytesForTest() const;
   // The source's connection, for benchmarks that compare with raw SQLite on the same settings.
   sqlite3* ConnectionForTest() const { return db_; }
 
@@ -228,11 +248,12 @@ class SqliteDataSource final : public RecordSource {
   void PrepareCounter();
 
   // Reading rows. Every SELECT reads the key first, then column_list_.
-  // The SQL of a move: "SELECT key, columns FROM t WHERE <where> [AND key > / < ?] ORDER BY key
-  // [DESC] LIMIT 1 [OFFSET ?]".
+  // The SQL of a move: "SELECT key, columns FROM t WHERE <where> [AND key > / < / >= ?] ORDER BY
+  // key [DESC] LIMIT 1 [OFFSET ?]" (kPosition: ">= ?" and the OFFSET).
   std::string MoveSql(MoveTo to) const;
-  // Runs the cached statement of `to` from key `from` (kNext, kPrevious) or at 0-based `offset`
-  // (kPosition). Returns false (and changes nothing) when there is no such row.
+  // Runs the cached statement of `to` from key `from` (kNext, kPrevious), or reads the record at
+  // 0-based `offset` (kPosition, through FetchAtPosition). Returns false (and changes nothing) when
+  // there is no such row.
   bool FetchRow(MoveTo to, const SqlValue& from, int64_t offset, SqlValue* key,
                 std::vector<SqlValue>* row);
   // The row of `key`, whether or not it passes the executed query, and its key as read (unless
@@ -244,6 +265,13 @@ class SqliteDataSource final : public RecordSource {
   bool StepRow(sqlite3_stmt* statement, SqlValue* key, std::vector<SqlValue>* row);
   bool RowPassesWhere(const SqlValue& key);
   bool IsLastRow(const SqlValue& key);
+  // The record at 1-based `position` of the set, through the position index (read first when it
+  // is not). Returns false (and changes nothing) when there is no such record.
+  bool FetchAtPosition(int64_t position, SqlValue* key, std::vector<SqlValue>* row);
+  // Reads the position index: one pass over the keys of the set in key order.
+  void ReadPositionIndex();
+  // Forgets the position index: the set may have changed.
+  void DropPositionIndex();
   int64_t CountRows();
   // The number of records of the set whose key is at most `key`; *present tells whether `key`
   // itself is one of them. One COUNT over the key's index.
@@ -336,6 +364,12 @@ class SqliteDataSource final : public RecordSource {
   int32_t mark_position_ = 0;
   int32_t mark_status_ = dsClosed;
   int64_t mark_version_ = 0;
+
+  // The position index: the keys at positions 1, 1 + step, ... of the set; integer keys (a
+  // table's rowid, most views) in index_integers_, all of them in index_values_ as soon as one
+  // is not an integer. Both empty: not read.
+  std::vector<int64_t> index_integers_;
+  std::vector<SqlValue> index_values_;
 
   // Keys handed out by CurrentKey (at most two are ever waiting: a new record's and a query's).
   mutable RememberedKey remembered_keys_[4];

@@ -51,6 +51,16 @@ void SqlValue::Bind(sqlite3_stmt* statement, int index) const {
   }
 }
 
+void SqlValue::BindUncopied(sqlite3_stmt* statement, int index) const {
+  if (type == SQLITE_TEXT) {
+    sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+  } else if (type == SQLITE_BLOB) {
+    sqlite3_bind_blob(statement, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+  } else {
+    Bind(statement, index);
+  }
+}
+
 std::string StoredDateText(Date date) {
   const Date::Parts p = date.ToParts();
   char buffer[64];

@@ -29,6 +29,9 @@ struct SqlValue {
 
   static SqlValue FromColumn(sqlite3_stmt* statement, int column);
   void Bind(sqlite3_stmt* statement, int index) const;
+  // Binds text and bytes without a copy: the value must stay unchanged until the statement is
+  // reset and its bindings cleared (a ResetOnExit in the same scope).
+  void BindUncopied(sqlite3_stmt* statement, int index) const;
   friend bool operator==(const SqlValue&, const SqlValue&) = default;
 };
 
