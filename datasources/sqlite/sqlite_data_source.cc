@@ -186,6 +186,14 @@ bool ReadOperand(std::string_view text, int32_t data_type, int32_t number_kind,
 
 namespace {
 
+// True when the database of `db` has a table called `name` (the optional metadata tables).
+bool HasTable(sqlite3* db, const char* name) {
+  Statement s(db, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?1",
+              "read the schema");
+  sqlite3_bind_text(s.get(), 1, name, -1, SQLITE_STATIC);
+  return sqlite3_step(s.get()) == SQLITE_ROW;
+}
+
 std::string TriggerName(const std::string& table, const char* what) {
   return QuoteIdentifier(std::string("tarn_count_") + what + "_" + table);
 }
@@ -376,14 +384,7 @@ void SqliteDataSource::ReadSchema() {
   }
 
   // The metadata table, when the database has one.
-  bool has_meta = false;
-  {
-    Statement s(db_,
-                "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'tarn_field_meta'",
-                "read the schema");
-    has_meta = sqlite3_step(s.get()) == SQLITE_ROW;
-  }
-  if (has_meta) {
+  if (HasTable(db_, "tarn_field_meta")) {
     Statement meta(db_,
                    "SELECT column_name, data_type, date_kind, number_kind, updatable, "
                    "reference_name FROM tarn_field_meta WHERE table_name = ?1",
@@ -438,14 +439,7 @@ void SqliteDataSource::ReadSchema() {
 void SqliteDataSource::ChooseViewKey(const std::unordered_map<std::string, int>& index_by_name) {
   const std::string where = "view \"" + table_ + "\" in \"" + path_ + "\"";
   std::string name = columns_.front().name;
-  bool has_key_table = false;
-  {
-    Statement s(db_,
-                "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'tarn_source_key'",
-                "read the schema");
-    has_key_table = sqlite3_step(s.get()) == SQLITE_ROW;
-  }
-  if (has_key_table) {
+  if (HasTable(db_, "tarn_source_key")) {
     Statement key(db_, "SELECT column_name FROM tarn_source_key WHERE table_name = ?1",
                   "read tarn_source_key");
     sqlite3_bind_text(key.get(), 1, table_.c_str(), -1, SQLITE_TRANSIENT);

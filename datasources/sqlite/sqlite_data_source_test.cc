@@ -14,6 +14,7 @@ using sqlite_test::Connection;
 using sqlite_test::MakeContractDatabase;
 using sqlite_test::MakeContractViewDatabase;
 using sqlite_test::NewDatabasePath;
+using sqlite_test::OpenTestSource;
 
 // The contract on a table (ordered by rowid) and on a view writable through INSTEAD OF triggers
 // (ordered by the key named in tarn_source_key).
@@ -49,10 +50,7 @@ class SqliteDataSourceTest : public ::testing::Test {
   void SetUp() override {
     path_ = NewDatabasePath("source");
     MakeContractDatabase(path_);
-    SqliteSourceOptions options;
-    options.busy_timeout_ms = 50;
-    ds_ = SqliteDataSource::Create(path_, "Deal", &dialogs_, options);
-    ds_->Open();
+    ds_ = OpenTestSource(path_, "Deal", &dialogs_);
   }
   Variant Value(const char* field) { return ds_->Fields(Variant(field)).Value(0); }
   bool Set(const char* field, const char* text) {
@@ -555,11 +553,7 @@ class SqliteViewTest : public ::testing::Test {
     MakeContractViewDatabase(path_);
   }
   std::unique_ptr<SqliteDataSource> Open(const std::string& name) {
-    SqliteSourceOptions options;
-    options.busy_timeout_ms = 50;
-    auto ds = SqliteDataSource::Create(path_, name, &dialogs_, options);
-    ds->Open();
-    return ds;
+    return OpenTestSource(path_, name, &dialogs_);
   }
   static std::vector<std::string> Column(SqliteDataSource& ds, const char* field) {
     std::vector<std::string> out;

@@ -15,6 +15,7 @@ namespace {
 
 using sqlite_test::Connection;
 using sqlite_test::NewDatabasePath;
+using sqlite_test::OpenTestSource;
 
 constexpr int32_t kStep = SqliteDataSource::kPositionIndexStep;
 
@@ -33,11 +34,7 @@ class PositionIndexTest : public ::testing::Test {
         "END || i, printf('c%06d', 3 * i) FROM n;");
   }
   std::unique_ptr<SqliteDataSource> Open(const std::string& table) {
-    SqliteSourceOptions options;
-    options.busy_timeout_ms = 50;
-    auto ds = SqliteDataSource::Create(path_, table, &dialogs_, options);
-    ds->Open();
-    return ds;
+    return OpenTestSource(path_, table, &dialogs_);
   }
   // The name of record n as MakeItems writes it.
   static std::string ItemName(int n) {

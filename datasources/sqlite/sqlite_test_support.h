@@ -8,14 +8,27 @@
 
 #include <atomic>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include <unistd.h>
 
+#include "datasources/sqlite/sqlite_data_source.h"
 #include "datasources/sqlite/sqlite_util.h"
 
 namespace tarnsheets {
 namespace sqlite_test {
+
+// Opens `name` (a table or view) of the file at `path`, opened, with a short busy timeout so
+// that tests of locked files do not wait.
+inline std::unique_ptr<SqliteDataSource> OpenTestSource(const std::string& path,
+                                                        const std::string& name, Dialogs* dialogs) {
+  SqliteSourceOptions options;
+  options.busy_timeout_ms = 50;
+  auto ds = SqliteDataSource::Create(path, name, dialogs, options);
+  ds->Open();
+  return ds;
+}
 
 // A new file name in the process's temporary directory (removed when the tests end).
 inline std::string NewDatabasePath(const std::string& stem) {

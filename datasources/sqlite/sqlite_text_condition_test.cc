@@ -18,6 +18,7 @@ namespace {
 
 using sqlite_test::Connection;
 using sqlite_test::NewDatabasePath;
+using sqlite_test::OpenTestSource;
 using Ids = std::vector<int>;
 
 class TextConditionTest : public ::testing::Test {
@@ -33,10 +34,7 @@ class TextConditionTest : public ::testing::Test {
         "(15, 'whats up'), (16, 'star*'), (17, 'start'), (18, ']close'), (19, '^caret'),"
         "(20, NULL), (21, ''), (22, CAST(X'C181' AS TEXT) || 'pple'),"
         "(23, CAST(X'C9' AS TEXT) || 'tude'), (24, 'Étude'), (25, 42), (26, 'a''quote');");
-    SqliteSourceOptions options;
-    options.busy_timeout_ms = 50;
-    ds_ = SqliteDataSource::Create(path_, "Names", &dialogs_, options);
-    ds_->Open();
+    ds_ = OpenTestSource(path_, "Names", &dialogs_);
   }
   // The IDs of the records that the source shows for `condition` on F_NAME, in order.
   Ids Query(const std::string& condition) {
