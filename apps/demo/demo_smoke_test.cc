@@ -29,6 +29,23 @@
 namespace tarnsheets {
 namespace {
 
+// The first column of the first row that `sql` gives, read from the file through a connection of
+// its own; "<no row>" or "<null>" when there is none.
+std::string ReadOne(const std::string& database, const std::string& sql) {
+  sqlite3* db = nullptr;
+  EXPECT_EQ(sqlite3_open_v2(database.c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+  sqlite3_stmt* s = nullptr;
+  std::string text = "<no row>";
+  if (sqlite3_prepare_v2(db, sql.c_str(), -1, &s, nullptr) == SQLITE_OK &&
+      sqlite3_step(s) == SQLITE_ROW) {
+    const unsigned char* t = sqlite3_column_text(s, 0);
+    text = t == nullptr ? "<null>" : reinterpret_cast<const char*>(t);
+  }
+  sqlite3_finalize(s);
+  sqlite3_close(db);
+  return text;
+}
+
 namespace fs = std::filesystem;
 
 // Characters of a UTF-8 text, as a text box counts them (the sample texts lie in the BMP).
@@ -86,20 +103,8 @@ class DemoSmokeTest : public ::testing::TestWithParam<std::string> {
 
   static std::string StoredText(const std::string& table, const std::string& column,
                                 int64_t rowid) {
-    sqlite3* db = nullptr;
-    EXPECT_EQ(sqlite3_open_v2(database_->c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
-    const std::string sql =
-        "SELECT \"" + column + "\" FROM \"" + table + "\" WHERE rowid = " + std::to_string(rowid);
-    sqlite3_stmt* s = nullptr;
-    std::string text = "<no row>";
-    if (sqlite3_prepare_v2(db, sql.c_str(), -1, &s, nullptr) == SQLITE_OK &&
-        sqlite3_step(s) == SQLITE_ROW) {
-      const unsigned char* t = sqlite3_column_text(s, 0);
-      text = t == nullptr ? "<null>" : reinterpret_cast<const char*>(t);
-    }
-    sqlite3_finalize(s);
-    sqlite3_close(db);
-    return text;
+    return ReadOne(*database_, "SELECT \"" + column + "\" FROM \"" + table +
+                                   "\" WHERE rowid = " + std::to_string(rowid));
   }
 
   static fs::path* directory_;
@@ -282,10 +287,24 @@ TEST(DemoWindowTest, MenusFollowTheSheetStatusBarShowsPositionAndPropertiesAreSt
     EXPECT_FALSE(next->isEnabled());
     EXPECT_TRUE(HasLabel(window, "12 / 12"));
 
+    // Go to Record moves to the n-th record of the set; a position outside it is refused.
+    ASSERT_NE(ActionNamed(window, "Go to Record..."), nullptr);
+    EXPECT_TRUE(ActionNamed(window, "Go to Record...")->isEnabled());
+    EXPECT_TRUE(window.GoToRecord(7));
+    EXPECT_TRUE(HasLabel(window, "7 / 12"));
+    EXPECT_EQ(std::to_string(window.Current()->Source().CurrentRowIdForTest()),
+              ReadOne(db, "SELECT rowid FROM Opportunity ORDER BY rowid LIMIT 1 OFFSET 6"));
+    EXPECT_TRUE(next->isEnabled());
+    EXPECT_TRUE(previous->isEnabled());
+    EXPECT_FALSE(window.GoToRecord(13));
+    EXPECT_TRUE(HasLabel(window, "7 / 12"));
+    EXPECT_EQ(window.StatusMessageForTest(), "There is no record 13 to go to here.");
+
     // F7 enters a query: the moves go off and Esc is on offer.
     ActionNamed(window, "New Query")->trigger();
     EXPECT_TRUE(HasLabel(window, "Query"));
     EXPECT_FALSE(ActionNamed(window, "First Record")->isEnabled());
+    EXPECT_FALSE(ActionNamed(window, "Go to Record...")->isEnabled());
     QAction* leave = ActionNamed(window, "Leave Query");
     ASSERT_NE(leave, nullptr);
     EXPECT_TRUE(leave->isEnabled());
@@ -418,21 +437,9 @@ class DemoDropDownWindowTest : public ::testing::Test {
     EXPECT_EQ(window_->StatusMessageForTest(), "Saved.");
   }
   std::string Stored(const std::string& column) {
-    sqlite3* db = nullptr;
-    EXPECT_EQ(sqlite3_open_v2(db_.c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
     const int64_t rowid = window_->Current()->Source().CurrentRowIdForTest();
-    const std::string sql =
-        "SELECT \"" + column + "\" FROM Opportunity WHERE rowid = " + std::to_string(rowid);
-    sqlite3_stmt* st = nullptr;
-    std::string text = "<no row>";
-    if (sqlite3_prepare_v2(db, sql.c_str(), -1, &st, nullptr) == SQLITE_OK &&
-        sqlite3_step(st) == SQLITE_ROW) {
-      const unsigned char* t = sqlite3_column_text(st, 0);
-      text = t == nullptr ? "<null>" : reinterpret_cast<const char*>(t);
-    }
-    sqlite3_finalize(st);
-    sqlite3_close(db);
-    return text;
+    return ReadOne(
+        db_, "SELECT \"" + column + "\" FROM Opportunity WHERE rowid = " + std::to_string(rowid));
   }
 
   fs::path dir_;

@@ -4,6 +4,7 @@
 #include <QCalendarWidget>
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QInputDialog>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
@@ -170,6 +171,9 @@ void DemoWindow::BuildMenus() {
       leave_query_ = menu->addAction(Q(HostText("Leave Query", "退出查询")));
       leave_query_->setShortcut(QKeySequence(Qt::Key_Escape));
       connect(leave_query_, &QAction::triggered, this, [this] { LeaveQuery(); });
+      go_to_ = menu->addAction(Q(HostText("Go to Record...", "转到记录...")));
+      go_to_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
+      connect(go_to_, &QAction::triggered, this, [this] { AskGoToRecord(); });
     }
   }
   QMenu* view = menuBar()->addMenu(Q(HostText("&View", "视图(&V)")));
@@ -320,11 +324,42 @@ void DemoWindow::LeaveQuery() {
   UpdateCommands();
 }
 
+bool DemoWindow::GoToRecord(int32_t position) {
+  if (bound_ == nullptr) return false;
+  bool refused = true;
+  try {
+    refused = bound_->Source().MoveToPosition(position);
+  } catch (const std::exception& e) {
+    Say(HostText("Go to record: ", "转到记录：") + e.what());
+    UpdateCommands();
+    return false;
+  }
+  if (refused) {
+    Say(HostText("There is no record ", "没有记录 ") + std::to_string(position) +
+        HostText(" to go to here.", "可转到。"));
+  }
+  UpdateCommands();
+  return !refused;
+}
+
+void DemoWindow::AskGoToRecord() {
+  if (bound_ == nullptr) return;
+  const int32_t count = bound_->Source().RecordCount();
+  if (count < 1) return;
+  bool ok = false;
+  const int position = QInputDialog::getInt(
+      this, Q(HostText("Go to Record", "转到记录")),
+      Q(HostText("Record (1 to ", "记录（1 至 ") + std::to_string(count) + HostText("):", "）：")),
+      bound_->Source().AbsolutePosition(), 1, count, 1, &ok);
+  if (ok) GoToRecord(position);
+}
+
 void DemoWindow::UpdateCommands() {
   if (bound_ == nullptr) {
     for (auto& [name, action] : commands_) action->setEnabled(false);
     save_->setEnabled(false);
     leave_query_->setEnabled(false);
+    go_to_->setEnabled(false);
     UpdateStatus();
     return;
   }
@@ -335,6 +370,7 @@ void DemoWindow::UpdateCommands() {
   const int32_t status = bound_->Source().EditStatus();
   save_->setEnabled(status != dsClosed);
   leave_query_->setEnabled(status == dsQuery);
+  go_to_->setEnabled(status != dsClosed && status != dsQuery && bound_->Source().RecordCount() > 0);
   focus_->setChecked(bound_->Status("Focus") == csEnabled);
   UpdateStatus();
 }

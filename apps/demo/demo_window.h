@@ -52,6 +52,10 @@ class DemoWindow : public QMainWindow, public SheetEvents {
   // (the reason is shown).
   bool ShowControl(const std::string& class_name);
   BoundControl* Current() const { return bound_.get(); }
+  // Moves the control's data source to the record at `position` (Record > Go to Record...), as
+  // a "go to record n" box does. Returns false, saying why in the status bar, when the source
+  // refuses (a position outside the set, query mode, a pending new record).
+  bool GoToRecord(int32_t position);
 
   // The pick list or the calendar that a drop button opened and that is still open; nullptr
   // otherwise. For tests that choose in them as a user does.
@@ -80,6 +84,7 @@ class DemoWindow : public QMainWindow, public SheetEvents {
   void RunCommand(const std::string& name);
   void SaveRecord();
   void LeaveQuery();
+  void AskGoToRecord();
   void UpdateCommands();
   void UpdateStatus();
   void Say(const std::string& text);
@@ -109,6 +114,7 @@ class DemoWindow : public QMainWindow, public SheetEvents {
   std::map<std::string, QAction*> commands_;
   QAction* save_ = nullptr;
   QAction* leave_query_ = nullptr;
+  QAction* go_to_ = nullptr;
   QAction* record_buttons_ = nullptr;
   QAction* focus_ = nullptr;
   // The open drop-down, at most one; each deletes itself when it closes.
