@@ -54,30 +54,10 @@ Twips RoundTwips(double v) { return std::round(v); }
 
 HNode::HNode(HeadlessToolkit* toolkit, ControlKind kind, std::string class_name, std::string name,
              int32_t index)
-    : toolkit_(toolkit),
-      kind_(kind),
-      class_name_(std::move(class_name)),
-      name_(std::move(name)),
-      index_(index) {
-  tab_stop_ = KindHas(kind, Capability::kTabStop);
-  if (kind == ControlKind::kTextBox) back_color_ = kSysWindowBackground;
-  if (kind == ControlKind::kShape) back_color_ = Rgb(255, 255, 255);
+    : ControlNode(kind, std::move(class_name), std::move(name), index), toolkit_(toolkit) {
   if (kind != ControlKind::kLabel && kind != ControlKind::kShape && kind != ControlKind::kImage &&
       kind != ControlKind::kMenu) {
     handle_ = toolkit->NextHandle();
-  }
-}
-
-HNode::~HNode() {
-  for (auto& child : menus_) {
-    if (HNode* node = NodeOf(*child)) node->attached_ = false;
-  }
-  for (auto& child : children_) {
-    if (HNode* node = NodeOf(*child)) {
-      node->parent_ = nullptr;
-      node->owner_ = nullptr;
-      node->attached_ = false;
-    }
   }
 }
 
@@ -174,38 +154,6 @@ Twips HSurface::TextHeight(std::string_view text) const {
     if (text[i] == '\n' || text[i] == '\r') ++lines;
   }
   return RoundTwips(lines * font_.size * 24);
-}
-
-template <typename I>
-std::vector<std::shared_ptr<Control>> HContainer<I>::AllControls() const {
-  std::vector<std::shared_ptr<Control>> out;
-  if (this->kind_ == ControlKind::kForm || this->kind_ == ControlKind::kUserControl) {
-    for (const auto& weak : this->collection_) {
-      std::shared_ptr<Control> control = weak.lock();
-      if (control && control->Owner() == this) out.push_back(std::move(control));
-    }
-    return out;
-  }
-  // A picture box or frame: its subtree, each child followed by what it holds.
-  std::vector<std::shared_ptr<Control>> stack(this->children_.rbegin(), this->children_.rend());
-  while (!stack.empty()) {
-    std::shared_ptr<Control> control = stack.back();
-    stack.pop_back();
-    out.push_back(control);
-    HNode* node = NodeOf(*control);
-    if (node && node->kind_ != ControlKind::kUserControl) {
-      stack.insert(stack.end(), node->children_.rbegin(), node->children_.rend());
-    }
-  }
-  return out;
-}
-
-template <typename I>
-std::shared_ptr<Control> HContainer<I>::FindControl(std::string_view name, int32_t index) const {
-  for (const auto& control : AllControls()) {
-    if (control->Name() == name && control->Index() == index) return control;
-  }
-  return nullptr;
 }
 
 template <typename I>

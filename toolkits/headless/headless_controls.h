@@ -8,6 +8,7 @@
 
 #include "tarnsheets/failure.h"
 #include "tarnsheets/toolkit.h"
+#include "toolkits/common/control_node.h"
 #include "toolkits/common/control_rules.h"
 #include "toolkits/common/focus_rules.h"
 #include "toolkits/headless/headless_toolkit.h"
@@ -15,54 +16,18 @@
 namespace tarnsheets {
 
 // The state every headless control has.
-class HNode {
+class HNode : public ControlNode {
  public:
   HNode(HeadlessToolkit* toolkit, ControlKind kind, std::string class_name, std::string name,
         int32_t index);
-  virtual ~HNode();
 
-  virtual Control& Self() = 0;
-  bool IsContainer() const {
-    return kind_ == ControlKind::kPictureBox || kind_ == ControlKind::kFrame ||
-           kind_ == ControlKind::kUserControl || kind_ == ControlKind::kForm;
-  }
-  void Require(Capability capability) const {
-    if (!KindHas(kind_, capability)) throw PlatformFailure(kErrNotSupported);
-  }
   // Marks this control and everything inside it as unloaded.
   void Detach();
   // Size changed: Resize for the kinds that have it.
   void SizeChanged();
 
   HeadlessToolkit* toolkit_;
-  ControlKind kind_;
-  std::string class_name_;
-  std::string name_;
-  int32_t index_;
-  Container* parent_ = nullptr;
-  Container* owner_ = nullptr;
-  bool attached_ = true;
   uintptr_t handle_ = 0;
-
-  Twips left_ = 0, top_ = 0, width_ = 0, height_ = 0;
-  bool visible_ = true;
-  bool enabled_ = true;
-  std::string tag_;
-  bool tab_stop_ = false;
-  int32_t tab_index_ = 0;
-  std::string caption_;
-  Color fore_color_ = kSysWindowText;
-  Color back_color_ = kSysButtonFace;
-  Font font_;
-
-  // Containers: direct children in creation order. Forms and user controls: their controls
-  // collection in creation order, and the counter of TabIndex values.
-  std::vector<std::shared_ptr<Control>> children_;
-  std::vector<std::weak_ptr<Control>> collection_;
-  std::vector<std::shared_ptr<Control>> menus_;  // top-level menus of a form or user control
-  int32_t next_tab_index_ = 0;
-
-  FocusMarks focus_marks_;
 };
 
 HNode* NodeOf(const Control& control);
@@ -219,8 +184,12 @@ class HContainer : public HControl<I> {
   using HControl<I>::HControl;
 
   std::vector<std::shared_ptr<Control>> Children() const override { return this->children_; }
-  std::vector<std::shared_ptr<Control>> AllControls() const override;
-  std::shared_ptr<Control> FindControl(std::string_view name, int32_t index) const override;
+  std::vector<std::shared_ptr<Control>> AllControls() const override {
+    return this->HeldControls();
+  }
+  std::shared_ptr<Control> FindControl(std::string_view name, int32_t index) const override {
+    return this->FindHeldControl(name, index);
+  }
   Control* ActiveControl() const override;
 };
 

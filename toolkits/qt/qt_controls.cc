@@ -189,28 +189,11 @@ void QtCanvas::resizeEvent(QResizeEvent* event) {
 
 QtNode::QtNode(QtToolkit* toolkit, ControlKind kind, std::string class_name, std::string name,
                int32_t index)
-    : toolkit_(toolkit),
-      kind_(kind),
-      class_name_(std::move(class_name)),
-      name_(std::move(name)),
-      index_(index) {
-  tab_stop_ = KindHas(kind, Capability::kTabStop);
-  if (kind == ControlKind::kTextBox) back_color_ = kSysWindowBackground;
-  if (kind == ControlKind::kShape) back_color_ = Rgb(255, 255, 255);
+    : ControlNode(kind, std::move(class_name), std::move(name), index), toolkit_(toolkit) {
   if (toolkit_ != nullptr) toolkit_->Register(this);
 }
 
 QtNode::~QtNode() {
-  for (auto& child : menus_) {
-    if (QtNode* node = QtNodeOf(*child)) node->attached_ = false;
-  }
-  for (auto& child : children_) {
-    if (QtNode* node = QtNodeOf(*child)) {
-      node->parent_ = nullptr;
-      node->owner_ = nullptr;
-      node->attached_ = false;
-    }
-  }
   if (toolkit_ != nullptr) toolkit_->Forget(this);
   if (widget_) {
     if (auto* canvas = dynamic_cast<QtCanvas*>(widget_.data())) canvas->node_ = nullptr;
@@ -401,38 +384,6 @@ void QtSurface::Replay(QPainter& painter) const {
 }
 
 // Containers.
-
-template <typename I>
-std::vector<std::shared_ptr<Control>> QtContainer<I>::AllControls() const {
-  std::vector<std::shared_ptr<Control>> out;
-  if (this->kind_ == ControlKind::kForm || this->kind_ == ControlKind::kUserControl) {
-    for (const auto& weak : this->collection_) {
-      std::shared_ptr<Control> control = weak.lock();
-      if (control && control->Owner() == this) out.push_back(std::move(control));
-    }
-    return out;
-  }
-  // A picture box or frame: its subtree, each child followed by what it holds.
-  std::vector<std::shared_ptr<Control>> stack(this->children_.rbegin(), this->children_.rend());
-  while (!stack.empty()) {
-    std::shared_ptr<Control> control = stack.back();
-    stack.pop_back();
-    out.push_back(control);
-    QtNode* node = QtNodeOf(*control);
-    if (node != nullptr && node->kind_ != ControlKind::kUserControl) {
-      stack.insert(stack.end(), node->children_.rbegin(), node->children_.rend());
-    }
-  }
-  return out;
-}
-
-template <typename I>
-std::shared_ptr<Control> QtContainer<I>::FindControl(std::string_view name, int32_t index) const {
-  for (const auto& control : AllControls()) {
-    if (control->Name() == name && control->Index() == index) return control;
-  }
-  return nullptr;
-}
 
 template <typename I>
 Control* QtContainer<I>::ActiveControl() const {

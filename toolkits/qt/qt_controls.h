@@ -24,6 +24,7 @@
 
 #include "tarnsheets/failure.h"
 #include "tarnsheets/toolkit.h"
+#include "toolkits/common/control_node.h"
 #include "toolkits/common/control_rules.h"
 #include "toolkits/common/focus_rules.h"
 #include "toolkits/qt/qt_toolkit.h"
@@ -76,20 +77,12 @@ class QtCanvas : public QWidget {
 };
 
 // The state every Qt control has.
-class QtNode {
+class QtNode : public ControlNode {
  public:
   QtNode(QtToolkit* toolkit, ControlKind kind, std::string class_name, std::string name,
          int32_t index);
-  virtual ~QtNode();
+  ~QtNode() override;
 
-  virtual Control& Self() = 0;
-  bool IsContainer() const {
-    return kind_ == ControlKind::kPictureBox || kind_ == ControlKind::kFrame ||
-           kind_ == ControlKind::kUserControl || kind_ == ControlKind::kForm;
-  }
-  void Require(Capability capability) const {
-    if (!KindHas(kind_, capability)) throw PlatformFailure(kErrNotSupported);
-  }
   QWidget* Widget() const { return widget_.data(); }
   // Takes `widget` as this control's view (nullptr for menus): focus policy, event bridge.
   void SetWidget(QWidget* widget);
@@ -123,35 +116,8 @@ class QtNode {
   virtual void WidgetClosing() {}
 
   QtToolkit* toolkit_;
-  ControlKind kind_;
-  std::string class_name_;
-  std::string name_;
-  int32_t index_;
-  Container* parent_ = nullptr;
-  Container* owner_ = nullptr;
-  bool attached_ = true;
   QPointer<QWidget> widget_;
   bool applying_geometry_ = false;
-
-  Twips left_ = 0, top_ = 0, width_ = 0, height_ = 0;
-  bool visible_ = true;
-  bool enabled_ = true;
-  std::string tag_;
-  bool tab_stop_ = false;
-  int32_t tab_index_ = 0;
-  std::string caption_;
-  Color fore_color_ = kSysWindowText;
-  Color back_color_ = kSysButtonFace;
-  Font font_;
-
-  // Containers: direct children in creation order. Forms and user controls: their controls
-  // collection in creation order, and the counter of TabIndex values.
-  std::vector<std::shared_ptr<Control>> children_;
-  std::vector<std::weak_ptr<Control>> collection_;
-  std::vector<std::shared_ptr<Control>> menus_;
-  int32_t next_tab_index_ = 0;
-
-  FocusMarks focus_marks_;
 };
 
 QtNode* QtNodeOf(const Control& control);
@@ -344,8 +310,12 @@ class QtContainer : public QtControl<I> {
   using QtControl<I>::QtControl;
 
   std::vector<std::shared_ptr<Control>> Children() const override { return this->children_; }
-  std::vector<std::shared_ptr<Control>> AllControls() const override;
-  std::shared_ptr<Control> FindControl(std::string_view name, int32_t index) const override;
+  std::vector<std::shared_ptr<Control>> AllControls() const override {
+    return this->HeldControls();
+  }
+  std::shared_ptr<Control> FindControl(std::string_view name, int32_t index) const override {
+    return this->FindHeldControl(name, index);
+  }
   Control* ActiveControl() const override;
 };
 
