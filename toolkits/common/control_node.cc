@@ -24,6 +24,13 @@ ControlNode::~ControlNode() {
   }
 }
 
+void ControlNode::SizeChanged() {
+  if (kind_ == ControlKind::kUserControl || kind_ == ControlKind::kPictureBox ||
+      kind_ == ControlKind::kForm) {
+    Raise(Self(), &ControlEvents::Resize);
+  }
+}
+
 std::vector<std::shared_ptr<Control>> ControlNode::HeldControls() const {
   std::vector<std::shared_ptr<Control>> out;
   const Control& self = const_cast<ControlNode*>(this)->Self();

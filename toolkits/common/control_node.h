@@ -36,6 +36,22 @@ class ControlNode {
     if (!KindHas(kind_, capability)) throw PlatformFailure(kErrNotSupported);
   }
 
+  // Size changed: Resize for the kinds that have it.
+  void SizeChanged();
+
+  // What the toolkit does when a property has changed: the view follows. Nothing by default.
+  virtual void ApplyGeometry() {}
+  virtual void ApplyColors() {}
+  virtual void ApplyFont() {}
+  virtual void ApplyCaption() {}
+  virtual void ApplyVisible() {}
+  virtual void ApplyEnabled() {}
+  // BackColor was set: a drawing surface clears itself.
+  virtual void BackColorChanged() {}
+  // The toolkit repaints this control (a user control raises Paint), and moves the focus to it.
+  virtual void RepaintSelf() = 0;
+  virtual void FocusSelf() = 0;
+
   // The controls a container holds, as its Controls collection lists them: a form's or user
   // control's own collection in creation order; for a picture box or frame its subtree, each
   // child followed by what it holds (a user control inside keeps its own).

@@ -69,12 +69,9 @@ void HNode::Detach() {
   }
 }
 
-void HNode::SizeChanged() {
-  if (kind_ == ControlKind::kUserControl || kind_ == ControlKind::kPictureBox ||
-      kind_ == ControlKind::kForm) {
-    Raise(Self(), &ControlEvents::Resize);
-  }
-}
+void HNode::RepaintSelf() { toolkit_->Repaint(Self()); }
+
+void HNode::FocusSelf() { toolkit_->SetFocusTo(Self()); }
 
 HNode* NodeOf(const Control& control) {
   return dynamic_cast<HNode*>(const_cast<Control*>(&control));

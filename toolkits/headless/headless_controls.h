@@ -11,6 +11,7 @@
 #include "toolkits/common/control_node.h"
 #include "toolkits/common/control_rules.h"
 #include "toolkits/common/focus_rules.h"
+#include "toolkits/common/node_control.h"
 #include "toolkits/headless/headless_toolkit.h"
 
 namespace tarnsheets {
@@ -23,8 +24,8 @@ class HNode : public ControlNode {
 
   // Marks this control and everything inside it as unloaded.
   void Detach();
-  // Size changed: Resize for the kinds that have it.
-  void SizeChanged();
+  void RepaintSelf() override;
+  void FocusSelf() override;
 
   HeadlessToolkit* toolkit_;
   uintptr_t handle_ = 0;
@@ -33,122 +34,15 @@ class HNode : public ControlNode {
 HNode* NodeOf(const Control& control);
 
 template <typename I>
-class HControl : public I, public HNode {
+class HControl : public NodeControl<I, HNode> {
  public:
-  using HNode::HNode;
+  using NodeControl<I, HNode>::NodeControl;
 
-  Control& Self() override { return *this; }
-  ControlKind Kind() const override { return kind_; }
-  std::string TypeName() const override {
-    return class_name_.empty() ? ControlKindTypeName(kind_) : class_name_;
-  }
-  const std::string& Name() const override { return name_; }
-  int32_t Index() const override { return index_; }
-  Container* Parent() const override { return attached_ ? parent_ : nullptr; }
-  Container* Owner() const override { return attached_ ? owner_ : nullptr; }
-  uintptr_t Handle() const override { return handle_; }
-
-  Twips Left() const override { return Geometry(left_); }
-  Twips Top() const override { return Geometry(top_); }
-  Twips Width() const override { return Geometry(width_); }
-  Twips Height() const override { return Geometry(height_); }
-  void SetLeft(Twips v) override { this->DoMove(v, top_, width_, height_); }
-  void SetTop(Twips v) override { this->DoMove(left_, v, width_, height_); }
-  void SetWidth(Twips v) override { this->DoMove(left_, top_, v, height_); }
-  void SetHeight(Twips v) override { this->DoMove(left_, top_, width_, v); }
-
-  bool Visible() const override { return visible_; }
-  void SetVisible(bool v) override {
-    const bool shown = v && !visible_;
-    visible_ = v;
-    if (shown && (kind_ == ControlKind::kUserControl)) toolkit_->Repaint(*this);
-  }
-  bool Enabled() const override { return enabled_; }
-  void SetEnabled(bool v) override { enabled_ = v; }
-  const std::string& Tag() const override { return tag_; }
-  void SetTag(const std::string& v) override { tag_ = v; }
-  bool TabStop() const override {
-    Require(Capability::kTabStop);
-    return tab_stop_;
-  }
-  void SetTabStop(bool v) override {
-    Require(Capability::kTabStop);
-    tab_stop_ = v;
-  }
-  int32_t TabIndex() const override {
-    Require(Capability::kTabIndex);
-    return tab_index_;
-  }
-  void SetTabIndex(int32_t v) override {
-    Require(Capability::kTabIndex);
-    if (v < 0 || v > 32767) throw PlatformFailure(kErrInvalidProcedureCall);
-    tab_index_ = v;
-  }
-  std::string Caption() const override {
-    Require(Capability::kCaption);
-    return caption_;
-  }
-  void SetCaption(const std::string& v) override {
-    Require(Capability::kCaption);
-    caption_ = v;
-  }
-  Color ForeColor() const override {
-    Require(Capability::kForeColor);
-    return fore_color_;
-  }
-  void SetForeColor(Color v) override {
-    Require(Capability::kForeColor);
-    fore_color_ = v;
-  }
-  Color BackColor() const override {
-    Require(Capability::kBackColor);
-    return back_color_;
-  }
-  void SetBackColor(Color v) override {
-    Require(Capability::kBackColor);
-    back_color_ = v;
-    BackColorChanged();
-  }
-  Font GetFont() const override {
-    Require(Capability::kFont);
-    return font_;
-  }
-  void SetFont(const Font& v) override {
-    Require(Capability::kFont);
-    font_ = v;
-  }
-
-  void SetFocus() override {
-    if (kind_ != ControlKind::kTextBox && kind_ != ControlKind::kCommandButton &&
-        kind_ != ControlKind::kPictureBox && kind_ != ControlKind::kUserControl &&
-        kind_ != ControlKind::kForm) {
-      throw PlatformFailure(kErrNotSupported);
-    }
-    toolkit_->SetFocusTo(*this);
-  }
+  uintptr_t Handle() const override { return this->handle_; }
   void Refresh() override {
-    if (kind_ == ControlKind::kUserControl || kind_ == ControlKind::kForm) toolkit_->Repaint(*this);
-  }
-
- protected:
-  void DoMove(Twips left, std::optional<Twips> top, std::optional<Twips> width,
-              std::optional<Twips> height) override {
-    Require(Capability::kGeometry);
-    const Twips w = width.value_or(width_), h = height.value_or(height_);
-    if (w < 0 || h < 0) throw PlatformFailure(kErrInvalidProcedureCall);
-    const bool resized = w != width_ || h != height_;
-    left_ = left;
-    top_ = top.value_or(top_);
-    width_ = w;
-    height_ = h;
-    if (resized) SizeChanged();
-  }
-  virtual void BackColorChanged() {}
-
- private:
-  Twips Geometry(Twips v) const {
-    Require(Capability::kGeometry);
-    return v;
+    if (this->kind_ == ControlKind::kUserControl || this->kind_ == ControlKind::kForm) {
+      this->RepaintSelf();
+    }
   }
 };
 

@@ -234,11 +234,13 @@ void QtNode::Detach() {
   }
 }
 
-void QtNode::SizeChanged() {
-  if (kind_ == ControlKind::kUserControl || kind_ == ControlKind::kPictureBox ||
-      kind_ == ControlKind::kForm) {
-    Raise(Self(), &ControlEvents::Resize);
-  }
+void QtNode::RepaintSelf() {
+  if (toolkit_ != nullptr) toolkit_->Repaint(Self());
+}
+
+void QtNode::FocusSelf() {
+  if (toolkit_ == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
+  toolkit_->SetFocusTo(Self());
 }
 
 void QtNode::ApplyGeometry() {

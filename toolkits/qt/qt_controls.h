@@ -27,6 +27,7 @@
 #include "toolkits/common/control_node.h"
 #include "toolkits/common/control_rules.h"
 #include "toolkits/common/focus_rules.h"
+#include "toolkits/common/node_control.h"
 #include "toolkits/qt/qt_toolkit.h"
 
 namespace tarnsheets {
@@ -90,23 +91,23 @@ class QtNode : public ControlNode {
   QWidget* ChildHost() const { return widget_.data(); }
   // Marks this control and everything inside it as unloaded and drops their widgets.
   void Detach();
-  void SizeChanged();
+  void RepaintSelf() override;
+  void FocusSelf() override;
 
   Twips Tppx() const { return toolkit_ != nullptr ? toolkit_->TwipsPerPixelX() : 15; }
   Twips Tppy() const { return toolkit_ != nullptr ? toolkit_->TwipsPerPixelY() : 15; }
   Color Resolve(Color c) const { return toolkit_ != nullptr ? toolkit_->ResolveColor(c) : c; }
 
   // The view follows the properties.
-  virtual void ApplyGeometry();
-  virtual void ApplyColors() {
+  void ApplyGeometry() override;
+  void ApplyColors() override {
     if (widget_) widget_->update();
   }
-  virtual void ApplyFont() {
+  void ApplyFont() override {
     if (widget_ && KindHas(kind_, Capability::kFont)) widget_->setFont(ToQFont(font_));
   }
-  virtual void ApplyCaption() {}
-  virtual void ApplyVisible();
-  void ApplyEnabled() {
+  void ApplyVisible() override;
+  void ApplyEnabled() override {
     if (widget_) widget_->setEnabled(enabled_);
   }
   // QtCanvas: paints the control.
@@ -123,145 +124,24 @@ class QtNode : public ControlNode {
 QtNode* QtNodeOf(const Control& control);
 
 template <typename I>
-class QtControl : public I, public QtNode {
+class QtControl : public NodeControl<I, QtNode> {
  public:
-  using QtNode::QtNode;
+  using NodeControl<I, QtNode>::NodeControl;
 
-  Control& Self() override { return *this; }
-  ControlKind Kind() const override { return kind_; }
-  std::string TypeName() const override {
-    return class_name_.empty() ? ControlKindTypeName(kind_) : class_name_;
-  }
-  const std::string& Name() const override { return name_; }
-  int32_t Index() const override { return index_; }
-  Container* Parent() const override { return attached_ ? parent_ : nullptr; }
-  Container* Owner() const override { return attached_ ? owner_ : nullptr; }
   uintptr_t Handle() const override {
-    if (kind_ == ControlKind::kLabel || kind_ == ControlKind::kShape ||
-        kind_ == ControlKind::kImage || kind_ == ControlKind::kMenu || !attached_) {
+    const ControlKind k = this->kind_;
+    if (k == ControlKind::kLabel || k == ControlKind::kShape || k == ControlKind::kImage ||
+        k == ControlKind::kMenu || !this->attached_) {
       return 0;
     }
-    return reinterpret_cast<uintptr_t>(widget_.data());
-  }
-
-  Twips Left() const override { return Geometry(left_); }
-  Twips Top() const override { return Geometry(top_); }
-  Twips Width() const override { return Geometry(width_); }
-  Twips Height() const override { return Geometry(height_); }
-  void SetLeft(Twips v) override { this->DoMove(v, top_, width_, height_); }
-  void SetTop(Twips v) override { this->DoMove(left_, v, width_, height_); }
-  void SetWidth(Twips v) override { this->DoMove(left_, top_, v, height_); }
-  void SetHeight(Twips v) override { this->DoMove(left_, top_, width_, v); }
-
-  bool Visible() const override { return visible_; }
-  void SetVisible(bool v) override {
-    const bool shown = v && !visible_;
-    visible_ = v;
-    ApplyVisible();
-    if (shown && kind_ == ControlKind::kUserControl && toolkit_ != nullptr) {
-      toolkit_->Repaint(*this);
-    }
-  }
-  bool Enabled() const override { return enabled_; }
-  void SetEnabled(bool v) override {
-    enabled_ = v;
-    ApplyEnabled();
-  }
-  const std::string& Tag() const override { return tag_; }
-  void SetTag(const std::string& v) override { tag_ = v; }
-  bool TabStop() const override {
-    Require(Capability::kTabStop);
-    return tab_stop_;
-  }
-  void SetTabStop(bool v) override {
-    Require(Capability::kTabStop);
-    tab_stop_ = v;
-  }
-  int32_t TabIndex() const override {
-    Require(Capability::kTabIndex);
-    return tab_index_;
-  }
-  void SetTabIndex(int32_t v) override {
-    Require(Capability::kTabIndex);
-    if (v < 0 || v > 32767) throw PlatformFailure(kErrInvalidProcedureCall);
-    tab_index_ = v;
-  }
-  std::string Caption() const override {
-    Require(Capability::kCaption);
-    return caption_;
-  }
-  void SetCaption(const std::string& v) override {
-    Require(Capability::kCaption);
-    caption_ = v;
-    ApplyCaption();
-  }
-  Color ForeColor() const override {
-    Require(Capability::kForeColor);
-    return fore_color_;
-  }
-  void SetForeColor(Color v) override {
-    Require(Capability::kForeColor);
-    fore_color_ = v;
-    ApplyColors();
-  }
-  Color BackColor() const override {
-    Require(Capability::kBackColor);
-    return back_color_;
-  }
-  void SetBackColor(Color v) override {
-    Require(Capability::kBackColor);
-    back_color_ = v;
-    BackColorChanged();
-    ApplyColors();
-  }
-  Font GetFont() const override {
-    Require(Capability::kFont);
-    return font_;
-  }
-  void SetFont(const Font& v) override {
-    Require(Capability::kFont);
-    font_ = v;
-    ApplyFont();
-  }
-
-  void SetFocus() override {
-    if (kind_ != ControlKind::kTextBox && kind_ != ControlKind::kCommandButton &&
-        kind_ != ControlKind::kPictureBox && kind_ != ControlKind::kUserControl &&
-        kind_ != ControlKind::kForm) {
-      throw PlatformFailure(kErrNotSupported);
-    }
-    if (toolkit_ == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
-    toolkit_->SetFocusTo(*this);
+    return reinterpret_cast<uintptr_t>(this->widget_.data());
   }
   void Refresh() override {
-    if (toolkit_ == nullptr) return;
-    if (kind_ == ControlKind::kUserControl || kind_ == ControlKind::kForm) {
-      toolkit_->Repaint(*this);
-    } else if (widget_) {
-      widget_->update();
+    if (this->kind_ == ControlKind::kUserControl || this->kind_ == ControlKind::kForm) {
+      this->RepaintSelf();
+    } else if (this->widget_) {
+      this->widget_->update();
     }
-  }
-
- protected:
-  void DoMove(Twips left, std::optional<Twips> top, std::optional<Twips> width,
-              std::optional<Twips> height) override {
-    Require(Capability::kGeometry);
-    const Twips w = width.value_or(width_), h = height.value_or(height_);
-    if (w < 0 || h < 0) throw PlatformFailure(kErrInvalidProcedureCall);
-    const bool resized = w != width_ || h != height_;
-    left_ = left;
-    top_ = top.value_or(top_);
-    width_ = w;
-    height_ = h;
-    ApplyGeometry();
-    if (resized) SizeChanged();
-  }
-  virtual void BackColorChanged() {}
-
- private:
-  Twips Geometry(Twips v) const {
-    Require(Capability::kGeometry);
-    return v;
   }
 };
 
