@@ -1,8 +1,27 @@
 #include "toolkits/common/control_rules.h"
 
+#include <cmath>
+
 #include "tarnsheets/failure.h"
 
 namespace tarnsheets {
+
+size_t ByteOffset(std::string_view text, int32_t chars) {
+  size_t i = 0;
+  int32_t n = 0;
+  while (i < text.size()) {
+    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
+      if (n == chars) return i;
+      ++n;
+    }
+    ++i;
+  }
+  return text.size();
+}
+
+int32_t ToPixels(Twips v, Twips per_pixel) {
+  return static_cast<int32_t>(std::floor(v / per_pixel + 1e-9));
+}
 
 void LogNotifiedProperty(std::vector<std::string>& log, const std::string& key) {
   if (log.size() >= kNotifiedPropertiesKept) {

@@ -28,6 +28,12 @@ void Raise(Control& control, Member member, Args&... args) {
 inline constexpr size_t kNotifiedPropertiesKept = 256;
 void LogNotifiedProperty(std::vector<std::string>& log, const std::string& key);
 
+// Byte offset of the character `chars` in a UTF-8 text (the end when past it).
+size_t ByteOffset(std::string_view text, int32_t chars);
+
+// The pixel a position in twips falls in (the pixel whose left or top edge is at or before it).
+int32_t ToPixels(Twips v, Twips per_pixel);
+
 // Properties that only some kinds have; the others fail with 438.
 enum class Capability { kGeometry, kTabStop, kTabIndex, kCaption, kForeColor, kBackColor, kFont };
 bool KindHas(ControlKind kind, Capability capability);

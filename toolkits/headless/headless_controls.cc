@@ -7,20 +7,6 @@
 namespace tarnsheets {
 namespace {
 
-// Byte offset of the character `chars` in a UTF-8 text (the end when past it).
-size_t ByteOffset(const std::string& text, int32_t chars) {
-  size_t i = 0;
-  int32_t n = 0;
-  while (i < text.size()) {
-    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
-      if (n == chars) return i;
-      ++n;
-    }
-    ++i;
-  }
-  return text.size();
-}
-
 std::string Utf8(uint32_t cp) {
   std::string out;
   if (cp < 0x80) {

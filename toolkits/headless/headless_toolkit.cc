@@ -8,14 +8,6 @@
 #include "toolkits/headless/headless_controls.h"
 
 namespace tarnsheets {
-namespace {
-
-int32_t ToPixels(Twips v, Twips per_pixel) {
-  return static_cast<int32_t>(std::floor(v / per_pixel + 1e-9));
-}
-
-}  // namespace
-
 HeadlessToolkit::HeadlessToolkit() = default;
 
 HeadlessToolkit::~HeadlessToolkit() {

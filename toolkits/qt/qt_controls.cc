@@ -24,30 +24,12 @@
 namespace tarnsheets {
 namespace {
 
-// Byte offset of the character `chars` in a UTF-8 text (the end when past it).
-size_t ByteOffset(const std::string& text, int32_t chars) {
-  size_t i = 0;
-  int32_t n = 0;
-  while (i < text.size()) {
-    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
-      if (n == chars) return i;
-      ++n;
-    }
-    ++i;
-  }
-  return text.size();
-}
-
 // Decodes the character at byte `i`; `len` receives its length in bytes.
 uint32_t DecodeAt(const std::string& text, size_t i, size_t* len) {
   size_t next = i;
   const uint32_t cp = NextCodePoint(text, &next);
   *len = next - i;
   return cp;
-}
-
-int32_t ToPixels(Twips v, Twips per_pixel) {
-  return static_cast<int32_t>(std::floor(v / per_pixel + 1e-9));
 }
 
 int32_t RoundPixels(Twips v, Twips per_pixel) {
