@@ -9,7 +9,7 @@
 //                   (one pass over the keys) and then the record; index_bytes is its size
 //   MoveToPosition  one positional move to the next of 64 positions drawn once, with a fixed
 //                   seed, evenly over the table, the position index read (each steps over at
-//                   most 255 keys of the table's index)
+//                   most 63 keys of the table's index)
 //   RawMoveToPosition  the same positions by "ORDER BY rowid LIMIT 1 OFFSET position - 1"
 //   RawKeyPass      the floor of reading the position index: every rowid in order
 //   FindByExactText a query by example on F_OPPNAME with the whole name of the middle record

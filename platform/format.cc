@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -348,8 +349,11 @@ Digits RoundedDigits(double magnitude, int shift, int decimals) {
   Digits d;
   d.fraction.assign(decimals, '0');
   if (magnitude == 0) return d;
+  // The same characters as printf's "%.14e", without its locale and stream machinery.
   char buf[64];
-  std::snprintf(buf, sizeof buf, "%.14e", magnitude);
+  const std::to_chars_result written =
+      std::to_chars(buf, buf + sizeof buf - 1, magnitude, std::chars_format::scientific, 14);
+  *written.ptr = '\0';
   // buf: D.DDDDDDDDDDDDDDe[+-]XXX
   std::string mantissa;
   mantissa += buf[0];

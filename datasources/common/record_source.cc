@@ -144,6 +144,12 @@ FieldShape RecordSource::ShapeOf(int index) const {
 }
 
 int RecordSource::IndexOf(const Variant& key) const {
+  // A sheet names the columns by number, one by one, for every editor of every record it shows.
+  if (key.Type() == VariantType::kLong) {
+    const int32_t n = key.LongValue();
+    if (n < 1 || n > static_cast<int32_t>(definitions_.size())) throw ItemNotFound(key);
+    return n - 1;
+  }
   if (key.IsString()) {
     auto it = index_by_name_.find(key.StringValue());
     if (it == index_by_name_.end()) throw ItemNotFound(key);

@@ -85,6 +85,7 @@ class Variant {
 
   // Direct access. REQUIRES: the matching type.
   const std::string& StringValue() const { return std::get<std::string>(value_); }
+  int32_t LongValue() const { return std::get<int32_t>(value_); }
   Date DateValue() const { return std::get<Date>(value_); }
   bool BoolValue() const { return std::get<BoolBox>(value_).value; }
 

@@ -1,6 +1,7 @@
 #include "toolkits/qt/qt_controls.h"
 
 #include <QAbstractScrollArea>
+#include <QAbstractTextDocumentLayout>
 #include <QCloseEvent>
 #include <QFocusEvent>
 #include <QFontMetricsF>
@@ -15,8 +16,10 @@
 #include <QResizeEvent>
 #include <QScreen>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextLayout>
 #include <QTextOption>
 #include <algorithm>
 #include <cmath>
@@ -428,6 +431,56 @@ void QtLabel::ApplyCaption() {
 
 // Text boxes.
 
+namespace {
+
+// Puts `text` into a multi-line box with the selection from `a` to `b` (the widget's units).
+void ShowPlainText(QPlainTextEdit& plain, const QString& text, int32_t a, int32_t b) {
+  QTextDocument* document = plain.document();
+  if (plain.toPlainText() != text) {
+    const int old_length = document->characterCount() - 1;
+    const QTextCursor caret = plain.textCursor();
+    // When the caret stays at the top, as from one record to the next, the new text goes in
+    // after the old and the old is then taken out: the caret, before both, does not move, and
+    // nothing has to place it again (placing it measures the line twice).
+    const bool caret_stays = a == 0 && b == 0 && caret.anchor() == 0 && caret.position() == 0 &&
+                             old_length > 0 && plain.verticalScrollBar()->value() == 0;
+    // The text is replaced through a cursor of its own in one edit block: the document keeps its
+    // layout and formats and lays out only the new text; setPlainText would rebuild them all.
+    QTextCursor edit(document);
+    edit.beginEditBlock();
+    if (caret_stays) {
+      edit.setPosition(old_length);
+      edit.insertText(text);
+      edit.setPosition(0);
+      edit.setPosition(old_length, QTextCursor::KeepAnchor);
+      edit.removeSelectedText();
+    } else {
+      edit.setPosition(0);
+      edit.setPosition(old_length, QTextCursor::KeepAnchor);
+      edit.insertText(text);
+    }
+    edit.endEditBlock();
+    // A plain-text layout drops its shaped glyphs after laying out its lines, and shapes the
+    // text again for the caret's x and again to paint. Kept, the text is shaped once.
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+      block.layout()->setCacheEnabled(true);
+    }
+    if (caret_stays) {
+      // The caret's line is laid out now, as placing the caret would.
+      document->documentLayout()->blockBoundingRect(document->firstBlock());
+      return;
+    }
+  }
+  QTextCursor cursor = plain.textCursor();
+  if (cursor.anchor() != a || cursor.position() != b) {
+    cursor.setPosition(a);
+    cursor.setPosition(b, QTextCursor::KeepAnchor);
+    plain.setTextCursor(cursor);
+  }
+}
+
+}  // namespace
+
 QtTextBox::QtTextBox(QtToolkit* toolkit, std::string name, int32_t index, bool multi_line)
     : QtControl(toolkit, ControlKind::kTextBox, "", std::move(name), index),
       multi_line_(multi_line) {}
@@ -507,24 +560,7 @@ void QtTextBox::ShowText(int32_t sel_start, int32_t sel_length) {
   const int32_t a = QtPos(sel_start), b = QtPos(sel_start + sel_length);
   const QString text = ToQt(text_);
   if (QPlainTextEdit* plain = Plain()) {
-    QTextDocument* document = plain->document();
-    if (plain->toPlainText() != text) {
-      // Replacing the document's text through a cursor keeps the document, its layout and its
-      // formats, and lays out only the new text; setPlainText would rebuild all of them.
-      // Inside an edit block the cursor does not lay the text out to remember its column.
-      QTextCursor all(document);
-      all.beginEditBlock();
-      all.setPosition(0);
-      all.setPosition(document->characterCount() - 1, QTextCursor::KeepAnchor);
-      all.insertText(text);
-      all.endEditBlock();
-    }
-    QTextCursor cursor = plain->textCursor();
-    if (cursor.anchor() != a || cursor.position() != b) {
-      cursor.setPosition(a);
-      cursor.setPosition(b, QTextCursor::KeepAnchor);
-      plain->setTextCursor(cursor);
-    }
+    ShowPlainText(*plain, text, a, b);
   } else if (QLineEdit* line = Line()) {
     if (line->text() != text) line->setText(text);
     if (b > a) {

@@ -11,6 +11,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollBar>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -265,6 +266,62 @@ TEST(QtTextWidgetTest, AMultiLineBoxHidesItsSelectionWhileItHasNotTheFocus) {
   EXPECT_EQ(memo->SelLength(), 8);
   memo->SetFocus();
   EXPECT_GT(CountColor(tk, *memo, highlight_rgb), 20);
+}
+
+TEST(QtTextWidgetTest, AMultiLineBoxShowingOneTextAfterAnotherKeepsItsCaretAtTheTop) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  form->SetClientSize(3000, 1500);
+  auto memo = tk.CreateTextBox(*form, "Memo", -1, true);
+  memo->Move(0, 0, 2400, 600);
+  form->Show();
+  auto* plain = qobject_cast<QPlainTextEdit*>(tk.WidgetOf(*memo));
+  ASSERT_NE(plain, nullptr);
+  const std::vector<std::string> texts = {"first record", "second\r\nrecord, two lines", "三",
+                                          "fourth"};
+  for (const std::string& text : texts) {
+    memo->SetText(text);
+    EXPECT_EQ(memo->Text(), text);
+    std::string shown = plain->toPlainText().toStdString();
+    for (size_t at = shown.find('\n'); at != std::string::npos; at = shown.find('\n', at + 2)) {
+      shown.insert(at, "\r");
+    }
+    EXPECT_EQ(shown, text);
+    EXPECT_EQ(memo->SelStart(), 0);
+    EXPECT_EQ(memo->SelLength(), 0);
+    EXPECT_EQ(plain->textCursor().position(), 0);
+    EXPECT_EQ(plain->textCursor().anchor(), 0);
+  }
+  // What the user types goes in at the caret.
+  memo->SetFocus();
+  tk.TypeText("x");
+  EXPECT_EQ(memo->Text(), "xfourth");
+  EXPECT_EQ(memo->SelStart(), 1);
+}
+
+TEST(QtTextWidgetTest, AMultiLineBoxScrolledDownShowsANewTextFromItsTop) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  form->SetClientSize(3000, 1500);
+  auto memo = tk.CreateTextBox(*form, "Memo", -1, true);
+  memo->Move(0, 0, 2400, 600);
+  form->Show();
+  auto* plain = qobject_cast<QPlainTextEdit*>(tk.WidgetOf(*memo));
+  ASSERT_NE(plain, nullptr);
+  std::string long_text;
+  for (int i = 0; i < 40; ++i) long_text += "line " + std::to_string(i) + "\r\n";
+  memo->SetText(long_text);
+  plain->verticalScrollBar()->setValue(plain->verticalScrollBar()->maximum());
+  ASSERT_GT(plain->verticalScrollBar()->value(), 0);
+  // The next record's text is as long.
+  memo->SetText("next " + long_text);
+  EXPECT_EQ(plain->verticalScrollBar()->value(), 0);
+  EXPECT_EQ(memo->SelStart(), 0);
+  EXPECT_EQ(plain->textCursor().position(), 0);
+  plain->verticalScrollBar()->setValue(plain->verticalScrollBar()->maximum());
+  memo->SetText("short");
+  EXPECT_EQ(plain->verticalScrollBar()->value(), 0);
+  EXPECT_EQ(memo->SelStart(), 0);
 }
 
 TEST(QtTextWidgetTest, EditorCarriesItsAccessibleNameAndDescription) {
