@@ -1,6 +1,8 @@
 // Binding of titles to columns and the display of the current record, with the handlers of the
 // data-source signals that repaint the sheet.
 #include <cmath>
+#include <optional>
+#include <string>
 
 #include "sheet/require.h"
 #include "sheet/sheet_engine.h"
@@ -203,20 +205,30 @@ void SheetEngine::Display_Value() {
       return;
     }
     // All text editors first, then all check editors; an editor whose Tag names no column stays.
+    // Each editor is compared with every column. Its Tag is read once and again after each
+    // field shown: only showing a field runs code that could change it.
     const int32_t texts = Txt_Value_.Count();
     for (int32_t i = 0; i < texts; ++i) {
       const int32_t field_count = Require(SheetRecordset_).FieldCount();
+      std::optional<std::string> tag;
       for (int32_t j = 1; j <= field_count; ++j) {
         const std::string name = Require(SheetRecordset_).Fields(Variant(j)).FieldName();
-        if (Txt_Value_(i).Host().Tag() == name) Display_Txt_Field(name, i);
+        if (!tag) tag = Txt_Value_(i).Host().Tag();
+        if (*tag != name) continue;
+        Display_Txt_Field(name, i);
+        tag.reset();
       }
     }
     const int32_t checks = Chk_Value_.Count();
     for (int32_t i = 0; i < checks; ++i) {
       const int32_t field_count = Require(SheetRecordset_).FieldCount();
+      std::optional<std::string> tag;
       for (int32_t j = 1; j <= field_count; ++j) {
         const std::string name = Require(SheetRecordset_).Fields(Variant(j)).FieldName();
-        if (Chk_Value_(i).Host().Tag() == name) Display_Chk_Value(name, i);
+        if (!tag) tag = Chk_Value_(i).Host().Tag();
+        if (*tag != name) continue;
+        Display_Chk_Value(name, i);
+        tag.reset();
       }
     }
   } catch (const Failure& failure) {
