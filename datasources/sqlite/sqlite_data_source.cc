@@ -251,8 +251,10 @@ std::unique_ptr<SqliteDataSource> SqliteDataSource::Create(const std::string& pa
                                                            Dialogs* dialogs,
                                                            SqliteSourceOptions options) {
   sqlite3* db = nullptr;
-  const int flags =
-      (options.read_only ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_URI;
+  // A source is used on one thread, the one its signals are raised on: its connection goes
+  // without SQLite's own mutex, which every call would otherwise take and release.
+  const int flags = (options.read_only ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
+                    SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX;
   const int rc = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
   if (rc != SQLITE_OK) {
     Failure f = DatabaseFailure(db, "open \"" + path + "\"");

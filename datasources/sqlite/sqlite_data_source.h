@@ -3,7 +3,8 @@
 //
 // It raises the same signals in the same order as the memory source and refuses the same things
 // with the same texts, so that a sheet cannot tell the two apart: both run the status machine of
-// RecordSource (datasources/common/record_source.h). What is particular to it:
+// RecordSource (datasources/common/record_source.h). A source, like a sheet, is used on one
+// thread at a time; its connection is opened without SQLite's mutex. What is particular to it:
 //
 // The key. Records are ordered and found by a key: the rowid of a table; for a view (which has no
 // rowid) the column named for it in tarn_source_key, else its first column. A view's key must be
