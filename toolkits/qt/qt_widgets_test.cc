@@ -466,6 +466,36 @@ TEST(QtFontTest, ControlFontReachesTheWidget) {
   EXPECT_TRUE(qf.bold());
 }
 
+TEST(QtFontTest, ControlTextIsSetWithoutKerningOrLigaturesWhereTheScriptAllows) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  auto box = tk.CreateTextBox(*form, "Txt");
+  auto label = tk.CreateLabel(*form, "Lbl");
+  Font f;
+  f.name = "MS Sans Serif";
+  f.size = 8.25;
+  box->SetFont(f);
+  label->SetFont(f);
+  for (QWidget* widget : {tk.WidgetOf(*box), tk.WidgetOf(*label)}) {
+    const QFont qf = widget->font();
+    EXPECT_TRUE(qf.styleStrategy() & QFont::PreferNoShaping);
+    EXPECT_FALSE(qf.kerning());
+  }
+  // Unshaped text still shows: the box with its text has ink that the empty box has not.
+  box->Move(0, 0, 3000, 400);
+  auto dark_pixels = [&] {
+    const QImage image = tk.WidgetOf(*box)->grab().toImage();
+    int ink = 0;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) ink += qGray(image.pixel(x, y)) < 128 ? 1 : 0;
+    }
+    return ink;
+  };
+  const int empty = dark_pixels();
+  box->SetText("AVATAR Wave");
+  EXPECT_GT(dark_pixels(), empty + 20);
+}
+
 TEST(QtScreenshotTest, FormIsSavedAsAPngOfItsClientSize) {
   QtToolkit tk(QtToolkit::DialogMode::kAnswered);
   tk.SetTwipsPerPixel(15, 15);
