@@ -13,9 +13,12 @@
 //   next record       one step forward from the first record, timed over a run of moves, the
 //                     widgets updated but not painted (the event loop runs after the run).
 //                     Theirs calls fetchMore when the next row is not fetched yet, as a host must.
+//                     Ours has the focus in its name editor, where the edit left it.
 //   next, painted     the same with the event loop run after every move, so that each record is
 //                     painted into the window's backing store before the next move: what a user
 //                     stepping through records waits for.
+//   (next record, next painted and the jumps are measured in turns, a run or a jump of one side
+//   and then of the other, so that a busy moment of the machine weighs on both alike.)
 //   jump to row k     theirs: QDataWidgetMapper::setCurrentIndex(k) on a model that has fetched
 //                     every row. Ours: SqliteDataSource::MoveToPosition(k) on the whole table
 //                     (the first jump after opening is shown on its own), and the same jumps
@@ -495,40 +498,25 @@ Results MeasureOurs(QtToolkit& toolkit, OurSide& ours, const std::string& path, 
   }
   toolkit.ProcessEvents();
 
-  // Next record: a run of moves from the first record. The resident set before and after all
-  // the runs shows whether showing records piles anything up.
+  // Showing records piles nothing up: the resident set before and after showing as many records
+  // as the timed runs show, moved and painted.
   TrimHeap();
   const int64_t resident_before_moves = ResidentBytes();
   const int64_t moves = std::min<int64_t>(settings.moves, rows - 1);
   const int64_t painted_moves = std::min<int64_t>(settings.painted_moves, rows - 1);
   for (int i = -1; i < reps; ++i) {
     Check(!ours.Source().MoveFirst(), "ours: MoveFirst failed");
-    const auto t0 = Clock::now();
     for (int64_t m = 0; m < moves; ++m) {
       if (ours.Source().MoveNext()) Fail("ours: MoveNext failed");
     }
-    const double s = Seconds(Clock::now() - t0);
-    Check(ours.Source().AbsolutePosition() == moves + 1, "ours: position after the moves");
-    Check(ours.ShownName() == truth.NameAt(moves + 1), "ours: name after the moves");
-    if (i >= 0) r.next_record.values.push_back(s / static_cast<double>(moves));
     toolkit.ProcessEvents();
-  }
-
-  // Next record as the user sees it: each move followed by the event loop, which paints what the
-  // move changed into the window's backing store.
-  for (int i = -1; i < reps; ++i) {
     Check(!ours.Source().MoveFirst(), "ours: MoveFirst failed");
-    toolkit.ProcessEvents();
-    const auto t0 = Clock::now();
     for (int64_t m = 0; m < painted_moves; ++m) {
       if (ours.Source().MoveNext()) Fail("ours: MoveNext failed");
       toolkit.ProcessEvents();
     }
-    const double s = Seconds(Clock::now() - t0);
     Check(ours.ShownName() == truth.NameAt(painted_moves + 1), "ours: name after painted moves");
-    if (i >= 0) r.next_painted.values.push_back(s / static_cast<double>(painted_moves));
   }
-
   TrimHeap();
   r.notes += "ours: resident set " + Megabytes(ResidentBytes() - resident_before_moves) +
              " larger after " + std::to_string((reps + 1) * (moves + painted_moves)) +
@@ -548,20 +536,15 @@ Results MeasureOurs(QtToolkit& toolkit, OurSide& ours, const std::string& path, 
   }
   ours.TheSheet().SetSheetRecordset(&ours.Source());
 
-  // Jumps: MoveToPosition over the whole table, as a host's "go to record n" does. The first
-  // one is reported on its own.
+  // The first positional move after opening builds the position index; it is reported on its own.
   const std::vector<int64_t> targets = JumpTargets(rows, settings.jumps);
   const std::map<int64_t, std::string> names = NamesAt(truth, targets);
-  for (size_t i = 0; i <= targets.size(); ++i) {
-    const int64_t target = i == 0 ? targets.back() : targets[i - 1];
+  {
+    const int64_t target = targets.back();
     const auto t0 = Clock::now();
     const bool refused = ours.Source().MoveToPosition(static_cast<int32_t>(target));
-    const double s = Seconds(Clock::now() - t0);
-    Check(!refused, "ours: MoveToPosition " + std::to_string(target) + " refused");
-    Check(ours.Source().AbsolutePosition() == target, "ours: not at the position jumped to");
-    Check(ours.ShownName() == names.at(target),
-          "ours: jump shows \"" + ours.ShownName() + "\", expected \"" + names.at(target) + "\"");
-    (i == 0 ? r.first_jump : r.jump).values.push_back(s);
+    r.first_jump.values.push_back(Seconds(Clock::now() - t0));
+    Check(!refused && ours.ShownName() == names.at(target), "ours: the first jump");
   }
   toolkit.ProcessEvents();
 
@@ -655,47 +638,8 @@ Results MeasureTheirs(TheirSide& theirs, const std::string& path, int64_t rows,
   r.notes += "after submitAll their mapper is at index " + std::to_string(index_after_store) +
              " of " + std::to_string(rows_after_store) + " rows fetched; ";
 
-  // Next record, on a freshly selected model (its first rows fetched), as after opening.
-  const int64_t moves = std::min<int64_t>(settings.moves, rows - 1);
-  theirs.OpenSelected(path);
-  for (int i = -1; i < reps; ++i) {
-    theirs.Mapper().toFirst();
-    const auto t0 = Clock::now();
-    for (int64_t m = 0; m < moves; ++m) theirs.Next();
-    const double s = Seconds(Clock::now() - t0);
-    Check(theirs.Mapper().currentIndex() == moves, "theirs: position after the moves");
-    Check(theirs.ShownName() == truth.NameAt(moves + 1), "theirs: name after the moves");
-    if (i >= 0) r.next_record.values.push_back(s / static_cast<double>(moves));
-    QApplication::processEvents();
-  }
-
-  const int64_t painted_moves = std::min<int64_t>(settings.painted_moves, rows - 1);
-  for (int i = -1; i < reps; ++i) {
-    theirs.Mapper().toFirst();
-    QApplication::processEvents();
-    const auto t0 = Clock::now();
-    for (int64_t m = 0; m < painted_moves; ++m) {
-      theirs.Next();
-      QApplication::processEvents();
-    }
-    const double s = Seconds(Clock::now() - t0);
-    Check(theirs.ShownName() == truth.NameAt(painted_moves + 1),
-          "theirs: name after painted moves");
-    if (i >= 0) r.next_painted.values.push_back(s / static_cast<double>(painted_moves));
-  }
-
-  // Jump to row k on a model with every row fetched.
   const std::vector<int64_t> targets = JumpTargets(rows, settings.jumps);
-  const std::map<int64_t, std::string> names = NamesAt(truth, targets);
   theirs.OpenToLast(path);
-  theirs.Mapper().setCurrentIndex(static_cast<int>(targets.front() - 1));
-  for (int64_t target : targets) {
-    const auto t0 = Clock::now();
-    theirs.Mapper().setCurrentIndex(static_cast<int>(target - 1));
-    const double s = Seconds(Clock::now() - t0);
-    Check(theirs.ShownName() == names.at(target), "theirs: jump shows the wrong name");
-    r.jump.values.push_back(s);
-  }
 
   // Find by name: a filter on the name.
   Check(theirs.FindByName(truth.NameAt(targets.front())), "theirs: warm-up filter failed");
@@ -711,6 +655,107 @@ Results MeasureTheirs(TheirSide& theirs, const std::string& path, int64_t rows,
   QApplication::processEvents();
   theirs.Close();
   return r;
+}
+
+// Next record, next record painted and the jumps, measured in turns: a run of ours, then the
+// same run of theirs, the side that goes first changing from one round to the next, so that
+// whatever else the machine does at a moment weighs on both sides alike. Ours keeps the focus in
+// its name editor, where the edit left it.
+void MeasureMovesInTurns(QtToolkit& toolkit, OurSide& ours, TheirSide& theirs,
+                         const std::string& path, int64_t rows, const Settings& settings,
+                         Results& our, Results& their) {
+  Truth truth(path);
+  const int64_t moves = std::min<int64_t>(settings.moves, rows - 1);
+  const int64_t painted_moves = std::min<int64_t>(settings.painted_moves, rows - 1);
+  const std::string name_after[2] = {truth.NameAt(moves + 1), truth.NameAt(painted_moves + 1)};
+
+  ours.OpenToLast(path);
+  theirs.OpenSelected(path);  // as after opening: its first rows fetched, the rest on demand
+
+  // One run of moves from the first record; seconds per move.
+  auto our_run = [&](bool painted) {
+    const int64_t n = painted ? painted_moves : moves;
+    Check(!ours.Source().MoveFirst(), "ours: MoveFirst failed");
+    toolkit.ProcessEvents();
+    const auto t0 = Clock::now();
+    for (int64_t m = 0; m < n; ++m) {
+      if (ours.Source().MoveNext()) Fail("ours: MoveNext failed");
+      if (painted) toolkit.ProcessEvents();
+    }
+    const double s = Seconds(Clock::now() - t0);
+    Check(ours.Source().AbsolutePosition() == n + 1, "ours: position after the moves");
+    Check(ours.ShownName() == name_after[painted], "ours: name after the moves");
+    toolkit.ProcessEvents();
+    return s / static_cast<double>(n);
+  };
+  auto their_run = [&](bool painted) {
+    const int64_t n = painted ? painted_moves : moves;
+    theirs.Mapper().toFirst();
+    QApplication::processEvents();
+    const auto t0 = Clock::now();
+    for (int64_t m = 0; m < n; ++m) {
+      theirs.Next();
+      if (painted) QApplication::processEvents();
+    }
+    const double s = Seconds(Clock::now() - t0);
+    Check(theirs.Mapper().currentIndex() == n, "theirs: position after the moves");
+    Check(theirs.ShownName() == name_after[painted], "theirs: name after the moves");
+    QApplication::processEvents();
+    return s / static_cast<double>(n);
+  };
+  for (int i = -1; i < settings.repetitions; ++i) {  // -1: warm-up
+    for (const bool painted : {false, true}) {
+      double ours_s = 0, theirs_s = 0;
+      if (i % 2 == 0) {
+        ours_s = our_run(painted);
+        theirs_s = their_run(painted);
+      } else {
+        theirs_s = their_run(painted);
+        ours_s = our_run(painted);
+      }
+      if (i < 0) continue;
+      (painted ? our.next_painted : our.next_record).values.push_back(ours_s);
+      (painted ? their.next_painted : their.next_record).values.push_back(theirs_s);
+    }
+  }
+
+  // Jumps, one of each side in turn. Theirs on a model that has fetched every row; ours by
+  // MoveToPosition over the whole table, after an untimed first jump that builds the index.
+  const std::vector<int64_t> targets = JumpTargets(rows, settings.jumps);
+  const std::map<int64_t, std::string> names = NamesAt(truth, targets);
+  theirs.OpenToLast(path);
+  theirs.Mapper().setCurrentIndex(static_cast<int>(targets.front() - 1));
+  Check(!ours.Source().MoveToPosition(static_cast<int32_t>(targets.front())), "ours: warm-up jump");
+  QApplication::processEvents();
+  auto our_jump = [&](int64_t target) {
+    const auto t0 = Clock::now();
+    const bool refused = ours.Source().MoveToPosition(static_cast<int32_t>(target));
+    const double s = Seconds(Clock::now() - t0);
+    Check(!refused, "ours: MoveToPosition " + std::to_string(target) + " refused");
+    Check(ours.Source().AbsolutePosition() == target, "ours: not at the position jumped to");
+    Check(ours.ShownName() == names.at(target),
+          "ours: jump shows \"" + ours.ShownName() + "\", expected \"" + names.at(target) + "\"");
+    our.jump.values.push_back(s);
+  };
+  auto their_jump = [&](int64_t target) {
+    const auto t0 = Clock::now();
+    theirs.Mapper().setCurrentIndex(static_cast<int>(target - 1));
+    const double s = Seconds(Clock::now() - t0);
+    Check(theirs.ShownName() == names.at(target), "theirs: jump shows the wrong name");
+    their.jump.values.push_back(s);
+  };
+  for (size_t k = 0; k < targets.size(); ++k) {
+    if (k % 2 == 0) {
+      our_jump(targets[k]);
+      their_jump(targets[k]);
+    } else {
+      their_jump(targets[k]);
+      our_jump(targets[k]);
+    }
+  }
+  toolkit.ProcessEvents();
+  ours.Close();
+  theirs.Close();
 }
 
 std::string Duration(double seconds) {
@@ -760,6 +805,7 @@ void RunSize(QtToolkit& toolkit, OurSide& ours, TheirSide& theirs, const std::fi
 
   Results our = MeasureOurs(toolkit, ours, path, rows, settings);
   Results their = MeasureTheirs(theirs, path, rows, settings);
+  MeasureMovesInTurns(toolkit, ours, theirs, path, rows, settings, our, their);
 
   std::printf(
       "\nOpportunity table, %lld rows (file %s, built in %.1f s); %d repetitions, %lld "
