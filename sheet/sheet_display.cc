@@ -212,10 +212,11 @@ void SheetEngine::Display_Value() {
       const int32_t field_count = Require(SheetRecordset_).FieldCount();
       std::optional<std::string> tag;
       for (int32_t j = 1; j <= field_count; ++j) {
-        const std::string name = Require(SheetRecordset_).Fields(Variant(j)).FieldName();
+        const std::string& name = Require(SheetRecordset_).Fields(Variant(j)).FieldName();
         if (!tag) tag = Txt_Value_(i).Host().Tag();
         if (*tag != name) continue;
-        Display_Txt_Field(name, i);
+        // Showing the field runs host code, which may give the source new field objects.
+        Display_Txt_Field(std::string(name), i);
         tag.reset();
       }
     }
@@ -224,10 +225,10 @@ void SheetEngine::Display_Value() {
       const int32_t field_count = Require(SheetRecordset_).FieldCount();
       std::optional<std::string> tag;
       for (int32_t j = 1; j <= field_count; ++j) {
-        const std::string name = Require(SheetRecordset_).Fields(Variant(j)).FieldName();
+        const std::string& name = Require(SheetRecordset_).Fields(Variant(j)).FieldName();
         if (!tag) tag = Chk_Value_(i).Host().Tag();
         if (*tag != name) continue;
-        Display_Chk_Value(name, i);
+        Display_Chk_Value(std::string(name), i);
         tag.reset();
       }
     }

@@ -60,8 +60,9 @@ class TracingDataSource::TracedField : public DataSourceField {
  public:
   TracedField(const TracingDataSource& t, DataSourceField& real) : t_(t), real_(real) {}
 
-  std::string FieldName() const override {
-    return t_.Traced(Prefix() + "FieldName", [&] { return real_.FieldName(); });
+  const std::string& FieldName() const override {
+    name_ = t_.Traced(Prefix() + "FieldName", [&] { return real_.FieldName(); });
+    return name_;
   }
   int32_t DataType() const override {
     return t_.Traced(Prefix() + "DataType", [&] { return real_.DataType(); });
@@ -95,6 +96,7 @@ class TracingDataSource::TracedField : public DataSourceField {
 
   const TracingDataSource& t_;
   DataSourceField& real_;
+  mutable std::string name_;  // the name last read through the trace
 };
 
 TracingDataSource::TracingDataSource(DataSource& real, Writer writer)

@@ -21,7 +21,7 @@ class RecordSource::Field final : public DataSourceField {
  public:
   Field(RecordSource* source, int index) : source_(source), index_(index) {}
 
-  std::string FieldName() const override { return def().name; }
+  const std::string& FieldName() const override { return def().name; }
   int32_t DataType() const override { return def().data_type; }
   int32_t DateKind() const override { return def().date_kind; }
   int32_t NumberKind() const override { return def().number_kind; }

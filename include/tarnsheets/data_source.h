@@ -105,8 +105,9 @@ class DataSourceField {
  public:
   virtual ~DataSourceField() = default;
 
-  // 1. The column's name, the same text by which Fields finds it.
-  virtual std::string FieldName() const = 0;
+  // 1. The column's name, the same text by which Fields finds it. The reference stays valid as
+  // long as this field object does.
+  virtual const std::string& FieldName() const = 0;
   // 2. kDataType... (a source may answer other numbers; a sheet then shows nothing for it).
   virtual int32_t DataType() const = 0;
   // 3. kDateKind...
