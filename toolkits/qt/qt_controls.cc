@@ -134,6 +134,9 @@ bool QtEventBridge::eventFilter(QObject* watched, QEvent* event) {
   const bool key = type == QEvent::KeyPress || type == QEvent::KeyRelease;
   const bool mouse = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonRelease ||
                      type == QEvent::MouseButtonDblClick || type == QEvent::MouseMove;
+  if (key || mouse || type == QEvent::FocusIn || type == QEvent::Paint) {
+    toolkit_->PlaceDeferredCarets();
+  }
   if (type == QEvent::FocusOut && qobject_cast<QLineEdit*>(watched) != nullptr &&
       static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason) {
     // A box keeps its selection when the focus leaves it; Qt's line edit would drop it.
@@ -490,6 +493,20 @@ QtTextBox::QtTextBox(QtToolkit* toolkit, std::string name, int32_t index, bool m
     : QtControl(toolkit, ControlKind::kTextBox, "", std::move(name), index),
       multi_line_(multi_line) {}
 
+QtTextBox::~QtTextBox() {
+  if (caret_deferred_ && toolkit_ != nullptr) toolkit_->ForgetDeferredCaret(this);
+}
+
+void QtTextBox::PlaceDeferredCaret() {
+  if (!caret_deferred_) return;
+  caret_deferred_ = false;
+  if (QLineEdit* line = Line()) {
+    showing_ = true;
+    line->setCursorPosition(0);
+    showing_ = false;
+  }
+}
+
 QObject* QtTextBox::MouseReceiver() const {
   if (Plain()) return Plain()->viewport();
   return widget_.data();
@@ -549,6 +566,10 @@ void QtTextBox::WidgetSelection(int32_t* start, int32_t* end) const {
     return;
   }
   if (Line()) {
+    if (caret_deferred_) {
+      *start = *end = 0;
+      return;
+    }
     if (Line()->hasSelectedText()) {
       *start = static_cast<int32_t>(Line()->selectionStart());
       *end = static_cast<int32_t>(Line()->selectionEnd());
@@ -568,10 +589,20 @@ void QtTextBox::ShowText(int32_t sel_start, int32_t sel_length) {
     ShowPlainText(*plain, text, a, b);
   } else if (QLineEdit* line = Line()) {
     if (line->text() != text) line->setText(text);
-    if (b > a) {
-      line->setSelection(a, b - a);
+    if (a == 0 && b == 0 && toolkit_ != nullptr && !line->hasFocus() && !line->hasSelectedText()) {
+      // Placing the caret measures the line and tells the screen reader and the window; a box
+      // without the focus shows no caret, so that waits for the next paint or the focus.
+      if (line->cursorPosition() != 0 && !caret_deferred_) {
+        caret_deferred_ = true;
+        toolkit_->DeferCaretHome(this);
+      }
     } else {
-      line->setCursorPosition(a);
+      caret_deferred_ = false;
+      if (b > a) {
+        line->setSelection(a, b - a);
+      } else {
+        line->setCursorPosition(a);
+      }
     }
   }
   showing_ = false;

@@ -219,6 +219,7 @@ class QtLabel : public QtControl<Label> {
 class QtTextBox : public QtControl<TextBox> {
  public:
   QtTextBox(QtToolkit* toolkit, std::string name, int32_t index, bool multi_line);
+  ~QtTextBox() override;
 
   bool MultiLine() const override { return multi_line_; }
   const std::string& Text() const override { return text_; }
@@ -259,6 +260,8 @@ class QtTextBox : public QtControl<TextBox> {
   void WidgetTextChanged();
   QObject* KeyReceiver() const { return widget_.data(); }
   QObject* MouseReceiver() const;
+  // Puts a caret that the box deferred at the start of its text (see QtToolkit::DeferCaretHome).
+  void PlaceDeferredCaret();
 
   bool multi_line_;
   std::string text_;
@@ -288,6 +291,9 @@ class QtTextBox : public QtControl<TextBox> {
   QLineEdit* Line() const { return qobject_cast<QLineEdit*>(widget_.data()); }
   QPlainTextEdit* Plain() const { return qobject_cast<QPlainTextEdit*>(widget_.data()); }
   bool showing_ = false;  // the control itself is writing into the widget
+  // A single-line box without the focus was shown a text and its caret belongs at the start,
+  // where the widget has not put it yet; the box reports its selection as there already.
+  bool caret_deferred_ = false;
   // The colours last given to the widget's palette: a sheet sets a box's colours on every record
   // it shows, mostly to what they already are.
   std::optional<std::pair<QRgb, QRgb>> applied_colors_;

@@ -233,6 +233,53 @@ QWidget* QtToolkit::WidgetOf(const Control& control) const {
   return node != nullptr && node->attached_ ? node->Widget() : nullptr;
 }
 
+namespace {
+
+// Places the deferred carets when a window is about to repaint, so that they are painted in the
+// same pass as the text that moved them.
+class CaretWatch : public QObject {
+ public:
+  explicit CaretWatch(QtToolkit* toolkit) : toolkit_(toolkit) {}
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::UpdateRequest) toolkit_->PlaceDeferredCarets();
+    return false;
+  }
+
+ private:
+  QtToolkit* toolkit_;
+};
+
+}  // namespace
+
+void QtToolkit::DeferCaretHome(QtTextBox* box) {
+  if (std::find(deferred_carets_.begin(), deferred_carets_.end(), box) != deferred_carets_.end()) {
+    return;
+  }
+  if (deferred_carets_.empty()) {
+    if (!caret_watch_) caret_watch_ = std::make_unique<CaretWatch>(this);
+    QCoreApplication::instance()->installEventFilter(caret_watch_.get());
+  }
+  deferred_carets_.push_back(box);
+}
+
+void QtToolkit::ForgetDeferredCaret(QtTextBox* box) {
+  deferred_carets_.erase(std::remove(deferred_carets_.begin(), deferred_carets_.end(), box),
+                         deferred_carets_.end());
+  if (deferred_carets_.empty() && caret_watch_) {
+    QCoreApplication::instance()->removeEventFilter(caret_watch_.get());
+  }
+}
+
+void QtToolkit::PlaceDeferredCarets() {
+  if (deferred_carets_.empty()) return;
+  QCoreApplication::instance()->removeEventFilter(caret_watch_.get());
+  std::vector<QtTextBox*> boxes;
+  boxes.swap(deferred_carets_);
+  for (QtTextBox* box : boxes) box->PlaceDeferredCaret();
+}
+
 void QtToolkit::ProcessEvents() {
   QCoreApplication::processEvents();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -1224,6 +1271,7 @@ void QtToolkit::SaveScreenshot(const Control& control, const std::string& png_pa
     throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: control \"" +
                                                 control.Name() + "\" has no window to render");
   }
+  const_cast<QtToolkit*>(this)->PlaceDeferredCarets();
   const QPixmap picture = widget->grab();
   if (!picture.save(QString::fromStdString(png_path), "PNG")) {
     throw Failure(kErrInvalidProcedureCall,

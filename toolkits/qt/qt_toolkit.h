@@ -51,6 +51,7 @@ namespace tarnsheets {
 class QtNode;
 class QtForm;
 class QtEventBridge;
+class QtTextBox;
 
 class QtToolkit : public Toolkit, private FocusHost {
  public:
@@ -171,6 +172,14 @@ class QtToolkit : public Toolkit, private FocusHost {
   void Forget(QtNode* node) { nodes_.erase(node); }
   QtNode* NodeOfWidget(const QWidget* widget) const;
   QtEventBridge& Bridge() { return *bridge_; }
+  // Single-line boxes that were shown a text while without the focus keep their caret where
+  // the widget left it until the window next paints, is clicked, typed into or gives one of them
+  // the focus: a run of records shown faster than the screen repaints places each caret once.
+  void DeferCaretHome(QtTextBox* box);
+  void ForgetDeferredCaret(QtTextBox* box);
+  // Puts every deferred caret at the start of its box.
+  void PlaceDeferredCarets();
+  bool HasDeferredCaretsForTest() const { return !deferred_carets_.empty(); }
 
   // Called by the event bridge with a real Qt key or mouse event that `receiver` (the control's
   // widget or its viewport) is about to get. Returns true when the event is consumed; the widget's
@@ -208,6 +217,9 @@ class QtToolkit : public Toolkit, private FocusHost {
   std::function<std::string(const Menu&)> popup_answer_;
   std::set<QtNode*> nodes_;
   std::unique_ptr<QtEventBridge> bridge_;
+  std::vector<QtTextBox*> deferred_carets_;
+  // Watches the application's events while a caret is deferred, to place it before painting.
+  std::unique_ptr<QObject> caret_watch_;
   // Mouse bookkeeping of the real events: the press that Validate swallowed, the widget pressed,
   // and the release after a double click (no Click then).
   const QObject* swallowed_press_ = nullptr;

@@ -324,6 +324,74 @@ TEST(QtTextWidgetTest, AMultiLineBoxScrolledDownShowsANewTextFromItsTop) {
   EXPECT_EQ(memo->SelStart(), 0);
 }
 
+TEST(QtTextWidgetTest, AnUnfocusedBoxShownALongTextIsPaintedFromItsStart) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  form->SetClientSize(3000, 1500);
+  auto box = tk.CreateTextBox(*form, "Txt");
+  box->Move(0, 0, 900, 300);
+  auto other = tk.CreateTextBox(*form, "Other");
+  other->Move(0, 600, 900, 300);
+  form->Show();
+  QApplication::setActiveWindow(tk.WidgetOf(*form)->window());
+  other->SetFocus();
+  auto* line = qobject_cast<QLineEdit*>(tk.WidgetOf(*box));
+  ASSERT_NE(line, nullptr);
+  const std::string long_text = "Start of a name far longer than the box can show at once";
+  for (int record = 0; record < 3; ++record) {
+    box->SetText(long_text + std::to_string(record));
+    EXPECT_EQ(box->SelStart(), 0);
+    EXPECT_EQ(box->SelLength(), 0);
+    tk.ProcessEvents();
+    // Painted with the caret at the start, the line is not scrolled: the caret's place is at
+    // the box's left edge.
+    EXPECT_EQ(line->cursorPosition(), 0);
+    EXPECT_GT(line->inputMethodQuery(Qt::ImCursorRectangle).toRect().left(), -5);
+    EXPECT_LT(line->inputMethodQuery(Qt::ImCursorRectangle).toRect().left(), 10);
+    EXPECT_FALSE(tk.HasDeferredCaretsForTest());
+  }
+  // A picture taken at once shows the start too.
+  box->SetText("Another " + long_text);
+  tk.SaveScreenshot(*form, ::testing::TempDir() + "qt_caret_screenshot.png");
+  EXPECT_EQ(line->cursorPosition(), 0);
+  EXPECT_GT(line->inputMethodQuery(Qt::ImCursorRectangle).toRect().left(), -5);
+  EXPECT_LT(line->inputMethodQuery(Qt::ImCursorRectangle).toRect().left(), 10);
+}
+
+TEST(QtTextWidgetTest, TypingIntoABoxShownATextWithoutTheFocusStartsAtTheStart) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  auto box = tk.CreateTextBox(*form, "Txt");
+  auto other = tk.CreateTextBox(*form, "Other");
+  form->Show();
+  QApplication::setActiveWindow(tk.WidgetOf(*form)->window());
+  other->SetFocus();
+  box->SetText("record");
+  EXPECT_EQ(box->SelStart(), 0);
+  box->SetFocus();
+  tk.TypeText("x");
+  EXPECT_EQ(box->Text(), "xrecord");
+  EXPECT_EQ(box->SelStart(), 1);
+  // Shown a text while it has the focus, the box places its caret at once.
+  box->SetText("focused");
+  EXPECT_EQ(qobject_cast<QLineEdit*>(tk.WidgetOf(*box))->cursorPosition(), 0);
+  EXPECT_FALSE(tk.HasDeferredCaretsForTest());
+}
+
+TEST(QtTextWidgetTest, ABoxGoneWhileItsCaretWaitsIsForgotten) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  form->Show();
+  {
+    auto box = tk.CreateTextBox(*form, "Txt");
+    box->SetText("record");
+    EXPECT_TRUE(tk.HasDeferredCaretsForTest());
+    tk.Unload(*box);
+  }
+  tk.ProcessEvents();
+  EXPECT_FALSE(tk.HasDeferredCaretsForTest());
+}
+
 TEST(QtTextWidgetTest, EditorCarriesItsAccessibleNameAndDescription) {
   QtToolkit tk(QtToolkit::DialogMode::kAnswered);
   auto form = tk.CreateForm("F");
