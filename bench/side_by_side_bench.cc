@@ -37,7 +37,7 @@
 // repetitions and the table shows medians.
 //
 // Usage: side_by_side_bench [--rows N]... [--repetitions R] [--moves M] [--jumps J]
-//        (default: --rows 10000 --rows 1000000 --repetitions 5 --moves 1000 --jumps 10)
+//        (default: --rows 10000 --rows 1000000 --repetitions 5 --moves 1000 --jumps 30)
 #include <malloc.h>
 #include <sqlite3.h>
 #include <unistd.h>
@@ -185,7 +185,7 @@ struct Settings {
   int repetitions = 5;
   int64_t moves = 1000;
   int64_t painted_moves = 300;
-  int jumps = 10;
+  int jumps = 30;
 };
 
 // What one side measured at one size.
@@ -779,6 +779,15 @@ void PrintTime(const char* what, const Sample& ours, const Sample& theirs) {
            theirs.Median() > 0 ? ours.Median() / theirs.Median() : 0);
 }
 
+// The median of ours/theirs over the pairs measured side by side in turns (the same index in both).
+double PairedRatio(const Sample& ours, const Sample& theirs) {
+  Sample ratios;
+  for (size_t i = 0; i < ours.values.size() && i < theirs.values.size(); ++i) {
+    if (theirs.values[i] > 0) ratios.values.push_back(ours.values[i] / theirs.values[i]);
+  }
+  return ratios.Median();
+}
+
 void PrintSpread(const char* what, const Sample& s) {
   std::printf("    %-32s median %s, min %s, max %s, n=%zu\n", what, Duration(s.Median()).c_str(),
               Duration(s.Min()).c_str(), Duration(s.Max()).c_str(), s.values.size());
@@ -830,6 +839,10 @@ void RunSize(QtToolkit& toolkit, OurSide& ours, TheirSide& theirs, const std::fi
       "   setCurrentIndex on a model holding every row; edit: ours types the name key\n"
       "   by key, %s of the median, theirs setText)\n",
       Duration(our.first_jump.Median()).c_str(), Duration(our.typing_only.Median()).c_str());
+  std::printf(
+      "  ours/theirs of the pairs measured in turns, median: next %.3g, painted %.3g, jump %.3g\n",
+      PairedRatio(our.next_record, their.next_record),
+      PairedRatio(our.next_painted, their.next_painted), PairedRatio(our.jump, their.jump));
   std::printf("  spread:\n");
   PrintSpread("ours next record", our.next_record);
   PrintSpread("ours next, source alone", our.source_next_only);
