@@ -240,17 +240,32 @@ int CountColor(QtToolkit& tk, const Control& control, Color color) {
   return static_cast<int>(std::count(px.begin(), px.end(), color));
 }
 
+// A user's active window with a box (`Memo` when multi-line) `width` twips wide at the top and
+// another single-line box below it.
+struct BoxAndOther {
+  std::shared_ptr<Form> form;
+  std::shared_ptr<TextBox> box;
+  std::shared_ptr<TextBox> other;
+};
+BoxAndOther ShowBoxAndOther(QtToolkit& tk, bool multi_line, Twips width) {
+  BoxAndOther w;
+  w.form = tk.CreateForm("F");
+  w.form->SetClientSize(3000, 1500);
+  w.box = tk.CreateTextBox(*w.form, multi_line ? "Memo" : "Txt", -1, multi_line);
+  w.box->Move(0, 0, width, multi_line ? 600 : 300);
+  w.other = tk.CreateTextBox(*w.form, "Other");
+  w.other->Move(0, 900, width, 300);
+  w.form->Show();
+  // The offscreen platform activates no window by itself; a user's window is active.
+  QApplication::setActiveWindow(tk.WidgetOf(*w.form)->window());
+  return w;
+}
+
 TEST(QtTextWidgetTest, AMultiLineBoxHidesItsSelectionWhileItHasNotTheFocus) {
   QtToolkit tk(QtToolkit::DialogMode::kAnswered);
-  auto form = tk.CreateForm("F");
-  form->SetClientSize(3000, 1500);
-  auto memo = tk.CreateTextBox(*form, "Memo", -1, true);
-  memo->Move(0, 0, 2400, 600);
-  auto other = tk.CreateTextBox(*form, "Other");
-  other->Move(0, 900, 2400, 300);
-  form->Show();
-  // The offscreen platform activates no window by itself; a user's window is active.
-  QApplication::setActiveWindow(tk.WidgetOf(*form)->window());
+  const BoxAndOther w = ShowBoxAndOther(tk, true, 2400);
+  TextBox* memo = w.box.get();
+  TextBox* other = w.other.get();
   memo->SetFocus();
   memo->SetText("selected words");
   memo->SetSelStart(0);
@@ -279,9 +294,15 @@ TEST(QtTextWidgetTest, AMultiLineBoxShowingOneTextAfterAnotherKeepsItsCaretAtThe
   ASSERT_NE(plain, nullptr);
   const std::vector<std::string> texts = {"first record", "second\r\nrecord, two lines", "三",
                                           "fourth"};
+  std::vector<Color> previous_picture;
   for (const std::string& text : texts) {
     memo->SetText(text);
     EXPECT_EQ(memo->Text(), text);
+    // The box paints each new text (laid out when it is painted).
+    int32_t w = 0, h = 0;
+    const std::vector<Color> picture = tk.RenderPixels(*memo, &w, &h);
+    EXPECT_NE(picture, previous_picture) << text;
+    previous_picture = picture;
     std::string shown = plain->toPlainText().toStdString();
     for (size_t at = shown.find('\n'); at != std::string::npos; at = shown.find('\n', at + 2)) {
       shown.insert(at, "\r");
@@ -324,17 +345,18 @@ TEST(QtTextWidgetTest, AMultiLineBoxScrolledDownShowsANewTextFromItsTop) {
   EXPECT_EQ(memo->SelStart(), 0);
 }
 
+// True when `line` was painted from the start of its text: its caret is there and the line is not
+// scrolled, so the caret's place is at the box's left edge.
+bool PaintedFromTheStart(QLineEdit& line) {
+  const int caret_x = line.inputMethodQuery(Qt::ImCursorRectangle).toRect().left();
+  return line.cursorPosition() == 0 && caret_x > -5 && caret_x < 10;
+}
+
 TEST(QtTextWidgetTest, AnUnfocusedBoxShownALongTextIsPaintedFromItsStart) {
   QtToolkit tk(QtToolkit::DialogMode::kAnswered);
-  auto form = tk.CreateForm("F");
-  form->SetClientSize(3000, 1500);
-  auto box = tk.CreateTextBox(*form, "Txt");
-  box->Move(0, 0, 900, 300);
-  auto other = tk.CreateTextBox(*form, "Other");
-  other->Move(0, 600, 900, 300);
-  form->Show();
-  QApplication::setActiveWindow(tk.WidgetOf(*form)->window());
-  other->SetFocus();
+  const BoxAndOther w = ShowBoxAndOther(tk, false, 900);
+  TextBox* box = w.box.get();
+  w.other->SetFocus();
   auto* line = qobject_cast<QLineEdit*>(tk.WidgetOf(*box));
   ASSERT_NE(line, nullptr);
   const std::string long_text = "Start of a name far longer than the box can show at once";
@@ -343,29 +365,20 @@ TEST(QtTextWidgetTest, AnUnfocusedBoxShownALongTextIsPaintedFromItsStart) {
     EXPECT_EQ(box->SelStart(), 0);
     EXPECT_EQ(box->SelLength(), 0);
     tk.ProcessEvents();
-    // Painted with the caret at the start, the line is not scrolled: the caret's place is at
-    // the box's left edge.
-    EXPECT_EQ(line->cursorPosition(), 0);
-    EXPECT_GT(line->inputMethodQuery(Qt::ImCursorRectangle).toRect().left(), -5);
-    EXPECT_LT(line->inputMethodQuery(Qt::ImCursorRectangle).toRect().left(), 10);
+    EXPECT_TRUE(PaintedFromTheStart(*line));
     EXPECT_FALSE(tk.HasDeferredCaretsForTest());
   }
   // A picture taken at once shows the start too.
   box->SetText("Another " + long_text);
-  tk.SaveScreenshot(*form, ::testing::TempDir() + "qt_caret_screenshot.png");
-  EXPECT_EQ(line->cursorPosition(), 0);
-  EXPECT_GT(line->inputMethodQuery(Qt::ImCursorRectangle).toRect().left(), -5);
-  EXPECT_LT(line->inputMethodQuery(Qt::ImCursorRectangle).toRect().left(), 10);
+  tk.SaveScreenshot(*w.form, ::testing::TempDir() + "qt_caret_screenshot.png");
+  EXPECT_TRUE(PaintedFromTheStart(*line));
 }
 
 TEST(QtTextWidgetTest, TypingIntoABoxShownATextWithoutTheFocusStartsAtTheStart) {
   QtToolkit tk(QtToolkit::DialogMode::kAnswered);
-  auto form = tk.CreateForm("F");
-  auto box = tk.CreateTextBox(*form, "Txt");
-  auto other = tk.CreateTextBox(*form, "Other");
-  form->Show();
-  QApplication::setActiveWindow(tk.WidgetOf(*form)->window());
-  other->SetFocus();
+  const BoxAndOther w = ShowBoxAndOther(tk, false, 2400);
+  TextBox* box = w.box.get();
+  w.other->SetFocus();
   box->SetText("record");
   EXPECT_EQ(box->SelStart(), 0);
   box->SetFocus();
