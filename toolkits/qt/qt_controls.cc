@@ -473,11 +473,8 @@ void ShowPlainText(QPlainTextEdit& plain, const QString& text, int32_t a, int32_
     for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
       block.layout()->setCacheEnabled(true);
     }
-    if (caret_stays) {
-      // The caret's line is laid out now, as placing the caret would.
-      document->documentLayout()->blockBoundingRect(document->firstBlock());
-      return;
-    }
+    // Where the caret stays, nothing needs the new text laid out before it is painted.
+    if (caret_stays) return;
   }
   QTextCursor cursor = plain.textCursor();
   if (cursor.anchor() != a || cursor.position() != b) {
