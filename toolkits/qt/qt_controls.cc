@@ -594,7 +594,10 @@ void QtTextBox::ShowText(int32_t sel_start, int32_t sel_length) {
         toolkit_->DeferCaretHome(this);
       }
     } else {
-      caret_deferred_ = false;
+      if (caret_deferred_) {
+        caret_deferred_ = false;
+        if (toolkit_ != nullptr) toolkit_->ForgetDeferredCaret(this);
+      }
       if (b > a) {
         line->setSelection(a, b - a);
       } else {

@@ -254,9 +254,6 @@ class CaretWatch : public QObject {
 }  // namespace
 
 void QtToolkit::DeferCaretHome(QtTextBox* box) {
-  if (std::find(deferred_carets_.begin(), deferred_carets_.end(), box) != deferred_carets_.end()) {
-    return;
-  }
   if (deferred_carets_.empty()) {
     if (!caret_watch_) caret_watch_ = std::make_unique<CaretWatch>(this);
     QCoreApplication::instance()->installEventFilter(caret_watch_.get());
@@ -1271,7 +1268,6 @@ void QtToolkit::SaveScreenshot(const Control& control, const std::string& png_pa
     throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: control \"" +
                                                 control.Name() + "\" has no window to render");
   }
-  const_cast<QtToolkit*>(this)->PlaceDeferredCarets();
   const QPixmap picture = widget->grab();
   if (!picture.save(QString::fromStdString(png_path), "PNG")) {
     throw Failure(kErrInvalidProcedureCall,

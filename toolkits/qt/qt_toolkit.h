@@ -175,6 +175,7 @@ class QtToolkit : public Toolkit, private FocusHost {
   // Single-line boxes that were shown a text while without the focus keep their caret where
   // the widget left it until the window next paints, is clicked, typed into or gives one of them
   // the focus: a run of records shown faster than the screen repaints places each caret once.
+  // A box is in the list exactly while its caret waits: it defers once and forgets once.
   void DeferCaretHome(QtTextBox* box);
   void ForgetDeferredCaret(QtTextBox* box);
   // Puts every deferred caret at the start of its box.

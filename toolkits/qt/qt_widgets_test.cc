@@ -294,13 +294,15 @@ TEST(QtTextWidgetTest, AMultiLineBoxShowingOneTextAfterAnotherKeepsItsCaretAtThe
   ASSERT_NE(plain, nullptr);
   const std::vector<std::string> texts = {"first record", "second\r\nrecord, two lines", "三",
                                           "fourth"};
-  std::vector<Color> previous_picture;
+  int32_t w = 0, h = 0;
+  const std::vector<Color> empty_picture = tk.RenderPixels(*memo, &w, &h);
+  std::vector<Color> previous_picture = empty_picture;
   for (const std::string& text : texts) {
     memo->SetText(text);
     EXPECT_EQ(memo->Text(), text);
-    // The box paints each new text (laid out when it is painted).
-    int32_t w = 0, h = 0;
+    // The box paints each new text (laid out when it is painted): neither blank nor the last.
     const std::vector<Color> picture = tk.RenderPixels(*memo, &w, &h);
+    EXPECT_NE(picture, empty_picture) << text;
     EXPECT_NE(picture, previous_picture) << text;
     previous_picture = picture;
     std::string shown = plain->toPlainText().toStdString();
@@ -395,14 +397,31 @@ TEST(QtTextWidgetTest, ABoxGoneWhileItsCaretWaitsIsForgotten) {
   QtToolkit tk(QtToolkit::DialogMode::kAnswered);
   auto form = tk.CreateForm("F");
   form->Show();
+  std::weak_ptr<TextBox> gone;
   {
     auto box = tk.CreateTextBox(*form, "Txt");
     box->SetText("record");
     EXPECT_TRUE(tk.HasDeferredCaretsForTest());
     tk.Unload(*box);
+    gone = box;
   }
-  tk.ProcessEvents();
+  ASSERT_TRUE(gone.expired());
+  // Forgotten at once, not at the next paint (which would reach a box that is no more).
   EXPECT_FALSE(tk.HasDeferredCaretsForTest());
+  tk.ProcessEvents();
+}
+
+TEST(QtTextWidgetTest, ABoxThatPlacesItsCaretAtOnceNoLongerWaits) {
+  QtToolkit tk(QtToolkit::DialogMode::kAnswered);
+  auto form = tk.CreateForm("F");
+  form->Show();
+  auto box = tk.CreateTextBox(*form, "Txt");
+  box->SetText("record");
+  ASSERT_TRUE(tk.HasDeferredCaretsForTest());
+  box->SetSelStart(2);  // placed at once: the box leaves the list
+  EXPECT_FALSE(tk.HasDeferredCaretsForTest());
+  EXPECT_EQ(box->SelStart(), 2);
+  EXPECT_EQ(qobject_cast<QLineEdit*>(tk.WidgetOf(*box))->cursorPosition(), 2);
 }
 
 TEST(QtTextWidgetTest, EditorCarriesItsAccessibleNameAndDescription) {
@@ -564,17 +583,9 @@ TEST(QtFontTest, ControlTextIsSetWithoutKerningOrLigaturesWhereTheScriptAllows) 
   }
   // Unshaped text still shows: the box with its text has ink that the empty box has not.
   box->Move(0, 0, 3000, 400);
-  auto dark_pixels = [&] {
-    const QImage image = tk.WidgetOf(*box)->grab().toImage();
-    int ink = 0;
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) ink += qGray(image.pixel(x, y)) < 128 ? 1 : 0;
-    }
-    return ink;
-  };
-  const int empty = dark_pixels();
+  const int empty = CountInk(tk, *box, Rgb(255, 255, 255));
   box->SetText("AVATAR Wave");
-  EXPECT_GT(dark_pixels(), empty + 20);
+  EXPECT_GT(CountInk(tk, *box, Rgb(255, 255, 255)), empty + 20);
 }
 
 TEST(QtScreenshotTest, FormIsSavedAsAPngOfItsClientSize) {
