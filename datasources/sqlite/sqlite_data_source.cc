@@ -8,6 +8,7 @@
 #include <set>
 
 #include "datasources/sqlite/sqlite_util.h"
+#include "platform/utf8.h"
 
 namespace tarnsheets {
 namespace {
@@ -28,34 +29,9 @@ std::string_view Trim(std::string_view s) {
   return s.substr(a, s.find_last_not_of(" \t") - a + 1);
 }
 
-void AppendUtf8(char32_t c, std::string* out) {
-  if (c < 0x80) {
-    *out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    *out += static_cast<char>(0xC0 | (c >> 6));
-    *out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    *out += static_cast<char>(0xE0 | (c >> 12));
-    *out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    *out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    *out += static_cast<char>(0xF0 | (c >> 18));
-    *out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    *out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    *out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
-// The folded text as UTF-8. Code points below 0x100 that were invalid bytes come back as the same
-// byte, so that a text and its fold stay comparable byte for byte.
-std::string FoldedUtf8(std::string_view text) {
-  std::string out;
-  for (char32_t c : FoldCase(text)) AppendUtf8(c, &out);
-  return out;
-}
-
-// tarn_fold(x): the case fold of our comparisons as UTF-8 (for a host's own SQL). ASCII text is
-// folded byte by byte; text without capitals is handed back as it is.
+// tarn_fold(x): the case fold of our comparisons as UTF-8 (for a host's own SQL), by utf8::Fold:
+// bytes that are no valid UTF-8 stand as they are. ASCII text without capitals is handed back as
+// it is.
 void FoldFunction(sqlite3_context* context, int, sqlite3_value** argv) {
   if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
     sqlite3_result_null(context);
@@ -70,16 +46,8 @@ void FoldFunction(sqlite3_context* context, int, sqlite3_value** argv) {
     sqlite3_result_value(context, argv[0]);
     return;
   }
-  std::string folded;
-  if (i == size) {
-    folded.assign(reinterpret_cast<const char*>(text), static_cast<size_t>(size));
-    for (char& c : folded) {
-      if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-    }
-  } else {
-    folded = FoldedUtf8(
-        std::string_view(reinterpret_cast<const char*>(text), static_cast<size_t>(size)));
-  }
+  const std::string folded =
+      utf8::Fold(std::string_view(reinterpret_cast<const char*>(text), static_cast<size_t>(size)));
   sqlite3_result_text(context, folded.data(), static_cast<int>(folded.size()), SQLITE_TRANSIENT);
 }
 
