@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "datasources/memory/data_source_contract_test.h"
+#include "datasources/common/data_source_contract_test.h"
 #include "datasources/memory/memory_data_source.h"
 #include "tarnsheets/titles.h"
 

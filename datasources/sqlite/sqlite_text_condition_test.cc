@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "datasources/memory/data_source_contract_test.h"
-#include "datasources/memory/value_text.h"
+#include "datasources/common/data_source_contract_test.h"
+#include "datasources/common/value_text.h"
 #include "datasources/sqlite/sqlite_data_source.h"
 #include "datasources/sqlite/sqlite_test_support.h"
 

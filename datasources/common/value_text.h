@@ -1,6 +1,6 @@
 // Reading an editor's text into a field's stored value, and query conditions by example.
 //
-// These are the rules by which the memory source (and any source that wants the same behaviour)
+// These are the rules by which every data source of ours (in memory, over SQLite, over a server)
 // takes what a user typed:
 // - text fields store the text as it is;
 // - date fields take "yyyy-mm-dd hh:nn:ss", "yyyy-mm-dd hh:nn", "yyyy-mm-dd", "hh:nn:ss",
@@ -14,8 +14,8 @@
 // - an empty text (or Empty, or Null) stores Null in every field.
 // Values that are not text (numbers, dates, Booleans handed over by code) are taken in their
 // type where it fits the field.
-#ifndef TARNSHEETS_DATASOURCES_MEMORY_VALUE_TEXT_H_
-#define TARNSHEETS_DATASOURCES_MEMORY_VALUE_TEXT_H_
+#ifndef TARNSHEETS_DATASOURCES_COMMON_VALUE_TEXT_H_
+#define TARNSHEETS_DATASOURCES_COMMON_VALUE_TEXT_H_
 
 #include <cstdint>
 #include <string>
@@ -91,4 +91,4 @@ class QueryCondition {
 
 }  // namespace tarnsheets
 
-#endif  // TARNSHEETS_DATASOURCES_MEMORY_VALUE_TEXT_H_
+#endif  // TARNSHEETS_DATASOURCES_COMMON_VALUE_TEXT_H_

@@ -1,4 +1,4 @@
-#include "datasources/memory/value_text.h"
+#include "datasources/common/value_text.h"
 
 #include <gtest/gtest.h>
 
