@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <set>
 
-#include "datasources/memory/data_source_contract_test.h"
+#include "datasources/common/data_source_contract_test.h"
 #include "datasources/sqlite/sqlite_data_source.h"
 #include "datasources/sqlite/sqlite_recordset.h"
 #include "datasources/sqlite/sqlite_util.h"

@@ -35,7 +35,7 @@
 #include <utility>
 #include <vector>
 
-#include "datasources/memory/value_text.h"
+#include "datasources/common/value_text.h"
 #include "tarnsheets/data_source.h"
 #include "tarnsheets/dialogs.h"
 

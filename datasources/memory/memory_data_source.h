@@ -24,7 +24,7 @@
 #include <vector>
 
 #include "datasources/common/record_source.h"
-#include "datasources/memory/value_text.h"
+#include "datasources/common/value_text.h"
 #include "tarnsheets/data_source.h"
 #include "tarnsheets/dialogs.h"
 

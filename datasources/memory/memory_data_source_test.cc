@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "datasources/memory/data_source_contract_test.h"
+#include "datasources/common/data_source_contract_test.h"
 
 namespace tarnsheets {
 namespace {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "datasources/recordset/recordset_arguments.h"
+#include "platform/utf8.h"
 #include "tarnsheets/failure.h"
 #include "tarnsheets/recordset.h"
 
@@ -18,14 +19,15 @@ bool IsNameStart(char c) {
 }
 bool IsNamePart(char c) { return IsNameStart(c) || IsDigit(c); }
 
-// The one-based position, in UTF-8 characters, of the byte at `offset`.
+// The one-based position, in characters as utf8::Next reads them, of the byte at `offset`; an
+// offset inside a character names that character.
 size_t CharacterPosition(std::string_view text, size_t offset) {
   size_t position = 1;
-  for (size_t i = 0; i < offset && i < text.size(); ++i) {
-    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) ++position;
-  }
-  if (offset < text.size() && (static_cast<unsigned char>(text[offset]) & 0xC0) == 0x80) {
-    --position;  // inside a character: name the character
+  for (size_t pos = 0; pos < text.size(); ++position) {
+    size_t next = pos;
+    utf8::Next(text, &next);
+    if (next > offset) break;
+    pos = next;
   }
   return position;
 }

@@ -98,6 +98,7 @@
 #ifndef TARNSHEETS_DATASOURCES_SQLITE_SQLITE_DATA_SOURCE_H_
 #define TARNSHEETS_DATASOURCES_SQLITE_SQLITE_DATA_SOURCE_H_
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -105,17 +106,14 @@
 #include <vector>
 
 #include "datasources/common/record_source.h"
-#include "datasources/memory/value_text.h"
+#include "datasources/common/value_text.h"
+#include "datasources/sqlite/sqlite_position_index.h"
+#include "datasources/sqlite/sqlite_schema.h"
 #include "datasources/sqlite/sqlite_util.h"
 #include "tarnsheets/data_source.h"
 #include "tarnsheets/dialogs.h"
 
 namespace tarnsheets {
-
-// Installs the row counter of `table` in the database of `db`: the table tarn_row_count, its row
-// for `table` (filled by one COUNT(*)) and the triggers that keep it on every insert and delete.
-// One transaction; fails with Failure(kErrDatabase) and changes nothing.
-void InstallRowCounter(sqlite3* db, const std::string& table);
 
 // The title of the source's message boxes.
 inline constexpr const char kSqliteSourceTitle[] = "TarnDataSource";
@@ -181,9 +179,9 @@ class SqliteDataSource final : public RecordSource {
   // Runs `sql` on the source's own connection (pragmas of fault tests).
   void ExecuteForTest(const std::string& sql);
   // The number of keys in the position index; 0 while it is not read.
-  size_t PositionIndexSizeForTest() const { return index_integers_.size() + index_values_.size(); }
+  size_t PositionIndexSizeForTest() const { return position_index_.Size(); }
   // The memory that the position index holds, in bytes.
-  size_t PositionIndexBytesForTest() const;
+  size_t PositionIndexBytesForTest() const { return position_index_.Bytes(); }
   // The source's connection, for benchmarks that compare with raw SQLite on the same settings.
   sqlite3* ConnectionForTest() const { return db_; }
 
@@ -308,10 +306,34 @@ class SqliteDataSource final : public RecordSource {
   // is read again when other users stored meanwhile.
   void ReturnTo(int64_t ticket, int32_t position);
 
-  // Stores what is pending (a change or a new record) in one transaction. Returns 0 on success,
-  // with the stored row current; otherwise shows why, leaves the record pending and returns 1
-  // for a conflict with another user or SQLite's result code.
-  int32_t Store();
+  // Storing (sqlite_store.cc). StoreChanges and StoreNewRecord store what is pending in one
+  // transaction. They return 0 on success, with the stored row current; otherwise they show why,
+  // leave the record pending and return 1 for a conflict with another user or SQLite's result
+  // code.
+  //
+  // Runs `write` between BEGIN IMMEDIATE and COMMIT. When `write` returns false (a conflict, its
+  // reason in the string it is given) or a Failure is thrown, rolls back and shows why. Returns
+  // 0, 1 for a conflict, or SQLite's result code.
+  int32_t StoreInTransaction(const std::function<bool(std::string* failure)>& write);
+  // The UPDATE of the changed columns, cached by the set of changed columns; over a table with
+  // the condition that every column still holds what was read.
+  sqlite3_stmt* UpdateStatement();
+  // Runs the UPDATE of the current row with the pending values. Fails with DatabaseFailure.
+  void RunUpdate();
+  // The update path over a table: the condition is part of the UPDATE; a row that no longer
+  // holds what was read is not changed. False, with the reason, on such a conflict.
+  bool UpdateTableRow(std::string* failure);
+  // The update path over a view, whose trigger's changes SQLite does not count: the row is
+  // compared with what was read first. False, with the reason, on a conflict.
+  bool UpdateViewRow(std::string* failure);
+  // Runs the INSERT of the pending record; returns the values it gave, by column (NULL where the
+  // column takes its default). Fails with DatabaseFailure.
+  std::vector<SqlValue> InsertPendingRecord();
+  // The insert path over a table: the new row is read back by its rowid.
+  void InsertTableRecord(SqlValue* key, std::vector<SqlValue>* row);
+  // The insert path over a view: the new record is looked for in the view (FindInsertedViewRow).
+  // False when the view does not show it.
+  bool InsertViewRecord(SqlValue* key, std::vector<SqlValue>* row);
   // Inside the store's transaction: whether the current row still holds what was read. Otherwise
   // sets *failure to the reason ("changed by another user", "deleted by another user").
   bool RowStillAsRead(const char* changed, const char* deleted, std::string* failure);
@@ -320,7 +342,8 @@ class SqliteDataSource final : public RecordSource {
   // columns hold the values given.
   bool FindInsertedViewRow(const std::vector<SqlValue>& values, SqlValue* key,
                            std::vector<SqlValue>* row);
-  // Translates query conditions into *where; false when one of them does not read.
+  // Translates query conditions into *where (sqlite_query.cc); false when one of them does not
+  // read.
   bool BuildWhere(const std::vector<std::string>& conditions, Where* where);
 
   SqlValue ToSql(int index, const Variant& value) const;
@@ -368,11 +391,8 @@ class SqliteDataSource final : public RecordSource {
   int32_t mark_status_ = dsClosed;
   int64_t mark_version_ = 0;
 
-  // The position index: the keys at positions 1, 1 + step, ... of the set; integer keys (a
-  // table's rowid, most views) in index_integers_, all of them in index_values_ as soon as one
-  // is not an integer. Both empty: not read.
-  std::vector<int64_t> index_integers_;
-  std::vector<SqlValue> index_values_;
+  // The position index: the keys at positions 1, 1 + step, ... of the set. Empty: not read.
+  SqlitePositionIndex position_index_{kPositionIndexStep};
 
   // Keys handed out by CurrentKey (at most two are ever waiting: a new record's and a query's).
   mutable RememberedKey remembered_keys_[4];

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "datasources/memory/data_source_contract_test.h"
+#include "datasources/common/data_source_contract_test.h"
 #include "datasources/sqlite/sqlite_data_source.h"
 #include "datasources/sqlite/sqlite_test_support.h"
 

@@ -1,15 +1,16 @@
 // Text conditions of query by example on a SQLite table match exactly the records that the
 // memory source's rules (QueryCondition of value_text.h) match: a prefix without regard to case,
 // '*' and '?' as wildcards, every other character (SQL's wildcards and brackets too) standing for
-// itself, and stored bytes that are no valid UTF-8 read as the memory source reads them.
+// itself, and stored bytes that are no valid UTF-8 read as the memory source reads them (each
+// invalid byte one character that matches only itself, as utf8.h says).
 #include <gtest/gtest.h>
 
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "datasources/memory/data_source_contract_test.h"
-#include "datasources/memory/value_text.h"
+#include "datasources/common/data_source_contract_test.h"
+#include "datasources/common/value_text.h"
 #include "datasources/sqlite/sqlite_data_source.h"
 #include "datasources/sqlite/sqlite_test_support.h"
 
@@ -103,12 +104,13 @@ TEST_F(TextConditionTest, CapitalsBeyondAsciiFoldToTheirSmallLetters) {
   EXPECT_EQ(Query("москва"), (Ids{8}));
   EXPECT_EQ(Query("łóDź"), (Ids{9}));
   EXPECT_EQ(Query("北京"), (Ids{10}));
-  EXPECT_EQ(Query("ÉTUDE"), (Ids{23, 24}));  // 23 holds the byte C9 alone: read as É
+  EXPECT_EQ(Query("ÉTUDE"), (Ids{24}));  // 23 holds the invalid byte C9, which is no É
 }
 
 TEST_F(TextConditionTest, StarAndQuestionMarkAreWildcards) {
   EXPECT_EQ(Query("*办事?"), (Ids{10}));
-  EXPECT_EQ(Query("a?p"), (Ids{1, 2, 3, 22}));  // 22 reads as "Apple"
+  EXPECT_EQ(Query("a?p"), (Ids{1, 2, 3}));
+  EXPECT_EQ(Query("??pple"), (Ids{22}));  // 22 holds two invalid bytes, then "pple"
   EXPECT_EQ(Query("*PH"), (Ids{1, 2}));
   EXPECT_EQ(Query("what?"), (Ids{14, 15}));
   EXPECT_EQ(Query("star*"), (Ids{16, 17}));
@@ -140,10 +142,14 @@ TEST_F(TextConditionTest, NullMatchesNoTextConditionAndAnEmptyTextOnlyAStar) {
 }
 
 TEST_F(TextConditionTest, BytesThatAreNoValidUtf8MatchAsTheMemorySourceReadsThem) {
-  // C1 81 is an overlong form of 'A': it reads as 'A' and folds to 'a'.
-  EXPECT_EQ(Query("apple"), (Ids{22}));
-  EXPECT_EQ(Query("APP"), (Ids{22}));
+  // C1 81 is an overlong form of 'A': two invalid bytes, no letter; each matches itself.
+  EXPECT_EQ(Query("apple"), (Ids{}));
+  EXPECT_EQ(Query("APP"), (Ids{}));
+  EXPECT_EQ(Query("\xC1\x81PPLE"), (Ids{22}));
+  // The invalid byte C9 counts as one character and is not the letter U+00C9.
   EXPECT_EQ(Query("?tude"), (Ids{23, 24}));
+  EXPECT_EQ(Query("\xC9"), (Ids{23}));
+  EXPECT_EQ(Query("\xC3\x89"), (Ids{24}));
 }
 
 TEST_F(TextConditionTest, EveryConditionMatchesTheRecordsThatQueryConditionMatches) {
@@ -166,8 +172,12 @@ TEST_F(TextConditionTest, FoldFunctionFoldsAsciiAndBeyondAsTheConditionsDo) {
   EXPECT_EQ(OnSourceConnection("SELECT tarn_fold(NULL)"), "NULL");
   EXPECT_EQ(OnSourceConnection("SELECT tarn_fold(42)"), "42");
   EXPECT_EQ(OnSourceConnection("SELECT tarn_fold('')"), "");
-  // An invalid byte reads as the code point of its value and comes back encoded.
-  EXPECT_EQ(OnSourceConnection("SELECT tarn_fold(CAST(X'C9' AS TEXT) || 'TUDE')"), "étude");
+  // An invalid byte stands as it is.
+  EXPECT_EQ(OnSourceConnection("SELECT tarn_fold(CAST(X'C9' AS TEXT) || 'TUDE')"), "\xC9tude");
+  // Greek with tonos, final sigma, Armenian, Latin Extended Additional and fullwidth Latin fold
+  // as title keys do.
+  EXPECT_EQ(OnSourceConnection("SELECT tarn_fold('ΆΝΝΑ ΟΔΟΣ Ս Ẁ ＡＢＣ')"), "άννα οδοσ ս ẁ ａｂｃ");
+  EXPECT_EQ(OnSourceConnection("SELECT tarn_fold('οδος')"), "οδοσ");
 }
 
 }  // namespace

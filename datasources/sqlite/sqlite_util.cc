@@ -30,6 +30,13 @@ SqlValue SqlValue::FromColumn(sqlite3_stmt* statement, int column) {
   return v;
 }
 
+SqlValue SqlTextValue(std::string text) {
+  SqlValue v;
+  v.type = SQLITE_TEXT;
+  v.text = std::move(text);
+  return v;
+}
+
 void SqlValue::Bind(sqlite3_stmt* statement, int index) const {
   switch (type) {
     case SQLITE_INTEGER:

@@ -35,6 +35,9 @@ struct SqlValue {
   friend bool operator==(const SqlValue&, const SqlValue&) = default;
 };
 
+// A text value.
+SqlValue SqlTextValue(std::string text);
+
 // "yyyy-mm-dd hh:nn:ss": the form in which every date is stored, so that text order is time order.
 std::string StoredDateText(Date date);
 

@@ -1,4 +1,4 @@
-#include "datasources/memory/data_source_contract_test.h"
+#include "datasources/common/data_source_contract_test.h"
 
 #include <algorithm>
 

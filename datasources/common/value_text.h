@@ -1,6 +1,6 @@
 // Reading an editor's text into a field's stored value, and query conditions by example.
 //
-// These are the rules by which the memory source (and any source that wants the same behaviour)
+// These are the rules by which every data source of ours (in memory, over SQLite, over a server)
 // takes what a user typed:
 // - text fields store the text as it is;
 // - date fields take "yyyy-mm-dd hh:nn:ss", "yyyy-mm-dd hh:nn", "yyyy-mm-dd", "hh:nn:ss",
@@ -14,8 +14,8 @@
 // - an empty text (or Empty, or Null) stores Null in every field.
 // Values that are not text (numbers, dates, Booleans handed over by code) are taken in their
 // type where it fits the field.
-#ifndef TARNSHEETS_DATASOURCES_MEMORY_VALUE_TEXT_H_
-#define TARNSHEETS_DATASOURCES_MEMORY_VALUE_TEXT_H_
+#ifndef TARNSHEETS_DATASOURCES_COMMON_VALUE_TEXT_H_
+#define TARNSHEETS_DATASOURCES_COMMON_VALUE_TEXT_H_
 
 #include <cstdint>
 #include <string>
@@ -44,14 +44,10 @@ bool ReadFieldValue(const Variant& input, const FieldShape& shape,
 bool ReadAmount(std::string_view text, const std::vector<std::string>& symbols, bool percent,
                 double* out, std::string* reason);
 
-// Case folding for "without regard to case" comparisons: ASCII, Latin-1, Latin Extended-A,
-// Greek and Cyrillic capitals fold to small letters; everything else (CJK) passes unchanged.
-// Works on UTF-8; invalid bytes pass through as they are.
-std::u32string FoldCase(std::string_view utf8);
-
 // A query condition of one field, entered as text.
-// - text fields: a prefix, compared without regard to case; '*' stands for any run of
-//   characters and '?' for one character.
+// - text fields: a prefix, compared without regard to case (folded by utf8::FoldCodePoint, as
+//   title keys are); '*' stands for any run of characters and '?' for one character (an invalid
+//   byte counts as one character).
 // - yes/no fields: "1" (the value is not 0), "0" (the value is 0 or Null).
 // - number, money and date fields: "=a", "<a", "<=a", ">a", ">=a", "<>a", a range "a..b" (both
 //   ends included) or a bare "a" (equal). A date written without a time stands for the whole
@@ -95,4 +91,4 @@ class QueryCondition {
 
 }  // namespace tarnsheets
 
-#endif  // TARNSHEETS_DATASOURCES_MEMORY_VALUE_TEXT_H_
+#endif  // TARNSHEETS_DATASOURCES_COMMON_VALUE_TEXT_H_

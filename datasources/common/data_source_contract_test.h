@@ -1,5 +1,10 @@
 // The behaviour every DataSource must show, written once and run against each source through a
-// factory (the memory source here; a database-backed source instantiates the same suite).
+// factory. A source's test program links tarnsheets_contract_suite and instantiates the suite
+// with its own factories:
+//   INSTANTIATE_TEST_SUITE_P(Memory, DataSourceContractTest,
+//                            ::testing::Values(DataSourceContractFactory{"Memory", make}), ...);
+// (the memory source in memory_data_source_test.cc, SQLite over a table and over a view in
+// sqlite_data_source_test.cc).
 //
 // The factory builds a closed source over the standard set below and says how to open it:
 //   fields  F_NAME text, F_REVENUE money (reference CURR_CODE), CURR_CODE text,
@@ -9,8 +14,8 @@
 //           "beta",   -50.5,  "CNY", 2026-04-15, 0.1,  0,    2
 //           "Gamma",  2000,   "USD", 2026-05-20, 0.9,  Null, 3
 //   symbols USD "$", CNY "¥"; every row editable, not read-only.
-#ifndef TARNSHEETS_DATASOURCES_MEMORY_DATA_SOURCE_CONTRACT_TEST_H_
-#define TARNSHEETS_DATASOURCES_MEMORY_DATA_SOURCE_CONTRACT_TEST_H_
+#ifndef TARNSHEETS_DATASOURCES_COMMON_DATA_SOURCE_CONTRACT_TEST_H_
+#define TARNSHEETS_DATASOURCES_COMMON_DATA_SOURCE_CONTRACT_TEST_H_
 
 #include <gtest/gtest.h>
 
@@ -118,4 +123,4 @@ class DataSourceContractTest : public ::testing::TestWithParam<DataSourceContrac
 
 }  // namespace tarnsheets
 
-#endif  // TARNSHEETS_DATASOURCES_MEMORY_DATA_SOURCE_CONTRACT_TEST_H_
+#endif  // TARNSHEETS_DATASOURCES_COMMON_DATA_SOURCE_CONTRACT_TEST_H_

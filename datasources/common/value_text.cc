@@ -1,10 +1,11 @@
-#include "datasources/memory/value_text.h"
+#include "datasources/common/value_text.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
 
+#include "platform/utf8.h"
 #include "tarnsheets/data_source.h"
 
 namespace tarnsheets {
@@ -75,51 +76,6 @@ bool ReadDateText(std::string_view text, Date* out, bool* has_time) {
   return true;
 }
 
-// The code point of UTF-8 at s[*i], advancing *i past it; an invalid byte stands for itself.
-char32_t NextCodePoint(std::string_view s, size_t* i) {
-  const unsigned char c = static_cast<unsigned char>(s[*i]);
-  const int len = c < 0x80 ? 1 : (c >> 5) == 6 ? 2 : (c >> 4) == 14 ? 3 : (c >> 3) == 30 ? 4 : 0;
-  if (len == 0 || *i + len > s.size()) {
-    ++*i;
-    return c;
-  }
-  char32_t cp = len == 1 ? c : len == 2 ? (c & 0x1F) : len == 3 ? (c & 0x0F) : (c & 0x07);
-  for (int k = 1; k < len; ++k) {
-    const unsigned char cc = static_cast<unsigned char>(s[*i + k]);
-    if ((cc >> 6) != 2) {
-      ++*i;
-      return c;
-    }
-    cp = (cp << 6) | (cc & 0x3F);
-  }
-  *i += len;
-  return cp;
-}
-
-// UTF-8 to code points; an invalid byte stands for itself.
-std::u32string Decode(std::string_view s) {
-  std::u32string out;
-  out.reserve(s.size());
-  for (size_t i = 0; i < s.size();) out += NextCodePoint(s, &i);
-  return out;
-}
-
-char32_t Fold(char32_t c) {
-  if (c >= U'A' && c <= U'Z') return c + 32;
-  if (c >= 0xC0 && c <= 0xDE && c != 0xD7) return c + 32;
-  if (c >= 0x100 && c <= 0x17F && c != 0x130 && c != 0x131 && c != 0x138 && c != 0x149 &&
-      c != 0x17F) {
-    // Latin Extended-A pairs capitals and small letters on even/odd (or odd/even) points.
-    const bool odd_pairs = (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E);
-    if (odd_pairs ? (c % 2 == 1) : (c % 2 == 0)) return c + 1;
-    return c;
-  }
-  if (c >= 0x391 && c <= 0x3A9 && c != 0x3A2) return c + 32;
-  if (c >= 0x410 && c <= 0x42F) return c + 32;
-  if (c >= 0x400 && c <= 0x40F) return c + 80;
-  return c;
-}
-
 // '*' any run, '?' one character; the whole of `text` must be covered.
 bool Glob(const std::u32string& pattern, const std::u32string& text) {
   size_t p = 0, t = 0, star = std::u32string::npos, mark = 0;
@@ -149,11 +105,11 @@ size_t PlainPrefix(const std::u32string& pattern) {
                                                                         : std::u32string::npos;
 }
 
-// Glob(pattern, FoldCase(text)), where `plain` is PlainPrefix(pattern). A pattern of plain
-// characters followed by nothing but stars is compared as the text is read, folding one
+// Glob(pattern, utf8::FoldToCodePoints(text)), where `plain` is PlainPrefix(pattern). A pattern of
+// plain characters followed by nothing but stars is compared as the text is read, folding one
 // character at a time and stopping at the first difference: no folded copy of the text is made.
 bool FoldedGlob(const std::u32string& pattern, size_t plain, std::string_view text) {
-  if (plain == std::u32string::npos) return Glob(pattern, FoldCase(text));
+  if (plain == std::u32string::npos) return Glob(pattern, utf8::FoldToCodePoints(text));
   size_t i = 0;
   for (size_t p = 0; p < plain; ++p) {
     if (i >= text.size()) return false;
@@ -163,7 +119,7 @@ bool FoldedGlob(const std::u32string& pattern, size_t plain, std::string_view te
       c = b >= 'A' && b <= 'Z' ? b + 32 : b;
       ++i;
     } else {
-      c = Fold(NextCodePoint(text, &i));
+      c = utf8::FoldCodePoint(utf8::Next(text, &i));
     }
     if (c != pattern[p]) return false;
   }
@@ -177,12 +133,6 @@ bool IsAmountType(int32_t t) {
 }
 
 }  // namespace
-
-std::u32string FoldCase(std::string_view utf8) {
-  std::u32string s = Decode(utf8);
-  for (char32_t& c : s) c = Fold(c);
-  return s;
-}
 
 bool ReadAmount(std::string_view text, const std::vector<std::string>& symbols, bool percent,
                 double* out, std::string* reason) {
@@ -385,7 +335,7 @@ bool QueryCondition::Parse(std::string_view text, const FieldShape& shape,
   QueryCondition c;
   if (IsTextType(shape.data_type)) {
     c.kind_ = Kind::kText;
-    c.pattern_ = FoldCase(text);
+    c.pattern_ = utf8::FoldToCodePoints(text);
     c.pattern_ += U'*';  // a prefix
     c.plain_ = PlainPrefix(c.pattern_);
     *out = std::move(c);
