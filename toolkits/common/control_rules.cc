@@ -105,6 +105,19 @@ void CheckNewArrayElement(const Control& element0, int32_t index) {
   }
 }
 
+bool PictureMatchesSize(const Picture& picture) {
+  return picture.width >= 0 && picture.height >= 0 &&
+         picture.pixels.size() == static_cast<size_t>(picture.width) * picture.height;
+}
+
+void CheckPictureSize(const Picture& picture) {
+  if (PictureMatchesSize(picture)) return;
+  throw Failure(kErrInvalidProcedureCall,
+                "Invalid procedure call or argument: picture \"" + picture.id + "\" has " +
+                    std::to_string(picture.pixels.size()) + " pixels for its size " +
+                    std::to_string(picture.width) + "x" + std::to_string(picture.height));
+}
+
 Form* WindowOf(const Control& control) {
   const Control* c = &control;
   while (c != nullptr && c->Kind() != ControlKind::kForm) c = c->Parent();
