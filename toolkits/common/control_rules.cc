@@ -154,25 +154,4 @@ void ClickMenuItem(Menu& item) {
   Raise(item, &ControlEvents::Click);
 }
 
-uint32_t NextCodePoint(std::string_view utf8, size_t* i) {
-  const unsigned char c0 = static_cast<unsigned char>(utf8[*i]);
-  uint32_t cp = c0;
-  size_t len = 1;
-  if (c0 >= 0xF0) {
-    len = 4;
-    cp = c0 & 0x07;
-  } else if (c0 >= 0xE0) {
-    len = 3;
-    cp = c0 & 0x0F;
-  } else if (c0 >= 0xC0) {
-    len = 2;
-    cp = c0 & 0x1F;
-  }
-  for (size_t k = 1; k < len && *i + k < utf8.size(); ++k) {
-    cp = (cp << 6) | (static_cast<unsigned char>(utf8[*i + k]) & 0x3F);
-  }
-  *i += len;
-  return cp;
-}
-
 }  // namespace tarnsheets

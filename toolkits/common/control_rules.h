@@ -108,8 +108,6 @@ void ForEachLinePixel(int32_t x, int32_t y, int32_t x2, int32_t y2, Plot plot) {
     }
   }
 }
-// Decodes the UTF-8 character at byte `*i` and moves `*i` past it.
-uint32_t NextCodePoint(std::string_view utf8, size_t* i);
 
 }  // namespace tarnsheets
 

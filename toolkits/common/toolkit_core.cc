@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/utf8.h"
 #include "tarnsheets/failure.h"
 #include "toolkits/common/control_node.h"
 #include "toolkits/common/control_rules.h"
@@ -379,10 +380,10 @@ void ToolkitCore::KeyUpOnly(int16_t key_code, int16_t shift) {
   SendKey(key_code, shift, false, true);
 }
 
-void ToolkitCore::TypeText(std::string_view utf8) {
+void ToolkitCore::TypeText(std::string_view text) {
   size_t i = 0;
-  while (i < utf8.size()) {
-    const uint32_t cp = NextCodePoint(utf8, &i);
+  while (i < text.size()) {
+    const char32_t cp = utf8::Next(text, &i);
     if (GetFocus() == nullptr) return;
     SendCharacter(cp);
   }

@@ -4,23 +4,10 @@
 #include <cmath>
 #include <cstdio>
 
+#include "platform/utf8.h"
+
 namespace tarnsheets {
 namespace {
-
-std::string Utf8(uint32_t cp) {
-  std::string out;
-  if (cp < 0x80) {
-    out += static_cast<char>(cp);
-  } else if (cp < 0x800) {
-    out += static_cast<char>(0xC0 | (cp >> 6));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  } else {
-    out += static_cast<char>(0xE0 | (cp >> 12));
-    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  }
-  return out;
-}
 
 Twips RoundTwips(double v) { return std::round(v); }
 
@@ -133,7 +120,7 @@ void HTextBox::TypeCharacter(uint32_t cp) {
     return;
   }
   if (cp < 32 || cp == 127) return;
-  ReplaceSelection(Utf8(cp), true);
+  ReplaceSelection(utf8::Encode(cp), true);
 }
 
 void HTextBox::DeleteForward() {

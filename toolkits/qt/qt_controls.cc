@@ -24,16 +24,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/utf8.h"
+
 namespace tarnsheets {
 namespace {
-
-// Decodes the character at byte `i`; `len` receives its length in bytes.
-uint32_t DecodeAt(const std::string& text, size_t i, size_t* len) {
-  size_t next = i;
-  const uint32_t cp = NextCodePoint(text, &next);
-  *len = next - i;
-  return cp;
-}
 
 int32_t RoundPixels(Twips v, Twips per_pixel) {
   return static_cast<int32_t>(std::lround(v / per_pixel));
@@ -452,13 +446,12 @@ int32_t QtTextBox::QtPos(int32_t model_pos) const {
   int32_t m = 0, q = 0;
   size_t i = 0;
   while (i < text_.size() && m < model_pos) {
-    size_t len = 1;
-    const uint32_t cp = DecodeAt(text_, i, &len);
+    const size_t at = i;
+    const char32_t cp = utf8::Next(text_, &i);
     const bool cr_of_break =
-        multi_line_ && cp == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n';
+        multi_line_ && cp == '\r' && at + 1 < text_.size() && text_[at + 1] == '\n';
     if (!cr_of_break) q += cp > 0xFFFF ? 2 : 1;
     ++m;
-    i += len;
   }
   return q;
 }
@@ -467,13 +460,12 @@ int32_t QtTextBox::ModelPos(int32_t qt_pos) const {
   int32_t m = 0, q = 0;
   size_t i = 0;
   while (i < text_.size() && q < qt_pos) {
-    size_t len = 1;
-    const uint32_t cp = DecodeAt(text_, i, &len);
+    const size_t at = i;
+    const char32_t cp = utf8::Next(text_, &i);
     const bool cr_of_break =
-        multi_line_ && cp == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n';
+        multi_line_ && cp == '\r' && at + 1 < text_.size() && text_[at + 1] == '\n';
     if (!cr_of_break) q += cp > 0xFFFF ? 2 : 1;
     ++m;
-    i += len;
   }
   return m;
 }
