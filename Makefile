@@ -10,7 +10,8 @@ else
   SANITIZE ?= OFF
 endif
 
-CMAKE_FLAGS := -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARNSHEETS_SANITIZE=$(SANITIZE) -DTARNSHEETS_WITH_QT=ON \
+CMAKE_FLAGS := -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARNSHEETS_SANITIZE=$(SANITIZE) -DTARNSHEETS_WERROR=ON \
+  -DTARNSHEETS_WITH_QT=ON \
   $(EXTRA_CMAKE_FLAGS)
 
 .PHONY: all deps configure build test demo format format-check clean
@@ -35,7 +36,7 @@ demo: build
 format:
 	@git ls-files '*.h' '*.cc' | xargs clang-format -i
 
-format-check:
+format-check: deps
 	@git ls-files '*.h' '*.cc' | xargs clang-format --dry-run --Werror
 
 clean:

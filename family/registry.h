@@ -63,9 +63,11 @@ Picture ToolboxPicture(const ControlClass& control_class);
 // loads a stored instance. An entity sheet comes back as a tarnsheets::Sheet over its designed
 // form, with the family's drop-button glyphs.
 //
+// "Currency" and "Appointment" come back as a tarnsheets::CurrencySheet and a
+// tarnsheets::AppointmentSheet over their designed forms.
+//
 // Fails with Failure(kErrInvalidProcedureCall) naming the class when no public control has that
-// name, and for "Currency" and "Appointment", which cannot be created here yet; in both cases
-// before anything is created. A failure of the bag passes to the caller.
+// name, before anything is created. A failure of the bag passes to the caller.
 std::unique_ptr<SheetControl> CreateControl(Toolkit& toolkit, Container& parent,
                                             std::string_view class_name, const std::string& name,
                                             const PropertyBag* bag = nullptr);

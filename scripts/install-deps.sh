@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config
   libgtest-dev libgmock-dev googletest libbenchmark-dev
-  nlohmann-json3-dev libsqlite3-dev sqlite3
+  nlohmann-json3-dev libsqlite3-dev sqlite3 clang-format
 )
 # Extra packages a caller asks for (for example the Qt toolkit): scripts/install-deps.sh qt
 for extra in "$@"; do
