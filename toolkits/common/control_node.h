@@ -78,7 +78,7 @@ class ControlNode {
   // The control of HeldControls called `name`(`index`), or nullptr.
   std::shared_ptr<Control> FindHeldControl(std::string_view name, int32_t index) const;
 
-  // The toolkit that made the control; a toolkit that goes before its controls clears it.
+  // The toolkit that made the control (the Qt toolkit clears it when it goes before them).
   ToolkitCore* toolkit_;
   ControlKind kind_;
   std::string class_name_;

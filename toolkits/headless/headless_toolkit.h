@@ -82,11 +82,14 @@ class HeadlessToolkit : public ToolkitCore {
   std::shared_ptr<Control> NewControl(ControlKind kind, const std::string& class_name,
                                       const std::string& name, int32_t index,
                                       bool multi_line) override;
+  // The user's keys and mouse, simulated: the events in the order of the banner, the text box's
+  // own editing (HTextBox), a click that a refused focus move swallows.
   void SendKey(int16_t key_code, int16_t shift, bool press, bool release) override;
   void SendCharacter(uint32_t cp) override;
   void SendMouse(Control& control, MouseAction action, int16_t button, int16_t shift, float x,
                  float y) override;
   void ClickControl(Control& control, float x, float y) override;
+  // KeyDown, what the key does, then KeyUp when `with_up`.
   void HandleKey(Control& focus, int16_t key_code, int16_t shift, bool with_up);
 
   std::string clipboard_;
