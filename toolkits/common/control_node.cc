@@ -4,8 +4,13 @@
 
 namespace tarnsheets {
 
-ControlNode::ControlNode(ControlKind kind, std::string class_name, std::string name, int32_t index)
-    : kind_(kind), class_name_(std::move(class_name)), name_(std::move(name)), index_(index) {
+ControlNode::ControlNode(ToolkitCore* toolkit, ControlKind kind, std::string class_name,
+                         std::string name, int32_t index)
+    : toolkit_(toolkit),
+      kind_(kind),
+      class_name_(std::move(class_name)),
+      name_(std::move(name)),
+      index_(index) {
   tab_stop_ = KindHas(kind, Capability::kTabStop);
   if (kind == ControlKind::kTextBox) back_color_ = kSysWindowBackground;
   if (kind == ControlKind::kShape) back_color_ = Rgb(255, 255, 255);
@@ -29,6 +34,24 @@ void ControlNode::SizeChanged() {
       kind_ == ControlKind::kForm) {
     Raise(Self(), &ControlEvents::Resize);
   }
+}
+
+void ControlNode::Detach() {
+  attached_ = false;
+  focus_marks_ = {};
+  for (auto& child : children_) {
+    if (ControlNode* node = ControlNodeOf(*child)) node->Detach();
+  }
+  DetachView();
+}
+
+void ControlNode::ApplyAll() {
+  ApplyGeometry();
+  ApplyColors();
+  ApplyFont();
+  ApplyCaption();
+  ApplyEnabled();
+  ApplyVisible();
 }
 
 std::vector<std::shared_ptr<Control>> ControlNode::HeldControls() const {

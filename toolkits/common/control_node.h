@@ -1,6 +1,7 @@
 // What every toolkit keeps of a control, whatever shows it: its kind and name, its place in the
 // tree of controls, and the properties a control has before any widget does. The headless and
-// the Qt toolkit build their nodes on it. For toolkit implementers, not hosts.
+// the Qt toolkit build their nodes on it, with hooks where their views differ. For toolkit
+// implementers, not hosts.
 #ifndef TARNSHEETS_TOOLKITS_COMMON_CONTROL_NODE_H_
 #define TARNSHEETS_TOOLKITS_COMMON_CONTROL_NODE_H_
 
@@ -17,11 +18,15 @@
 
 namespace tarnsheets {
 
+class RecordingSurface;
+class ToolkitCore;
+
 class ControlNode {
  public:
   // Takes the defaults of `kind`: TabStop where the kind has one, the window colour of a text
-  // box, the white of a shape.
-  ControlNode(ControlKind kind, std::string class_name, std::string name, int32_t index);
+  // box, the white of a shape. `toolkit` is the toolkit that made the control.
+  ControlNode(ToolkitCore* toolkit, ControlKind kind, std::string class_name, std::string name,
+              int32_t index);
   // The children and menus that outlive this node are left detached, without parent or owner.
   virtual ~ControlNode();
   ControlNode(const ControlNode&) = delete;
@@ -38,6 +43,16 @@ class ControlNode {
 
   // Size changed: Resize for the kinds that have it.
   void SizeChanged();
+  // Marks this control and everything inside it as unloaded, with their focus marks cleared;
+  // the toolkit's view of each goes (DetachView).
+  void Detach();
+  // The view takes every property at once: geometry, colours, font, caption, enabled, visible.
+  void ApplyAll();
+
+  // The window handle of the control (0 for the kinds without a window).
+  virtual uintptr_t NodeHandle() const = 0;
+  // The surface of a user control or picture box; nullptr for the other kinds.
+  virtual RecordingSurface* DrawingLog() { return nullptr; }
 
   // What the toolkit does when a property has changed: the view follows. Nothing by default.
   virtual void ApplyGeometry() {}
@@ -48,6 +63,10 @@ class ControlNode {
   virtual void ApplyEnabled() {}
   // BackColor was set: a drawing surface clears itself.
   virtual void BackColorChanged() {}
+  // A property that only the painting shows changed: the toolkit paints the control again.
+  virtual void UpdateView() {}
+  // The control was unloaded: the toolkit takes its view out of the window.
+  virtual void DetachView() {}
   // The toolkit repaints this control (a user control raises Paint), and moves the focus to it.
   virtual void RepaintSelf() = 0;
   virtual void FocusSelf() = 0;
@@ -59,6 +78,8 @@ class ControlNode {
   // The control of HeldControls called `name`(`index`), or nullptr.
   std::shared_ptr<Control> FindHeldControl(std::string_view name, int32_t index) const;
 
+  // The toolkit that made the control (the Qt toolkit clears it when it goes before them).
+  ToolkitCore* toolkit_;
   ControlKind kind_;
   std::string class_name_;
   std::string name_;

@@ -105,6 +105,19 @@ void CheckNewArrayElement(const Control& element0, int32_t index) {
   }
 }
 
+bool PictureMatchesSize(const Picture& picture) {
+  return picture.width >= 0 && picture.height >= 0 &&
+         picture.pixels.size() == static_cast<size_t>(picture.width) * picture.height;
+}
+
+void CheckPictureSize(const Picture& picture) {
+  if (PictureMatchesSize(picture)) return;
+  throw Failure(kErrInvalidProcedureCall,
+                "Invalid procedure call or argument: picture \"" + picture.id + "\" has " +
+                    std::to_string(picture.pixels.size()) + " pixels for its size " +
+                    std::to_string(picture.width) + "x" + std::to_string(picture.height));
+}
+
 Form* WindowOf(const Control& control) {
   const Control* c = &control;
   while (c != nullptr && c->Kind() != ControlKind::kForm) c = c->Parent();
@@ -139,27 +152,6 @@ void ClickMenuItem(Menu& item) {
   }
   if (!item.Visible()) return;
   Raise(item, &ControlEvents::Click);
-}
-
-uint32_t NextCodePoint(std::string_view utf8, size_t* i) {
-  const unsigned char c0 = static_cast<unsigned char>(utf8[*i]);
-  uint32_t cp = c0;
-  size_t len = 1;
-  if (c0 >= 0xF0) {
-    len = 4;
-    cp = c0 & 0x07;
-  } else if (c0 >= 0xE0) {
-    len = 3;
-    cp = c0 & 0x0F;
-  } else if (c0 >= 0xC0) {
-    len = 2;
-    cp = c0 & 0x1F;
-  }
-  for (size_t k = 1; k < len && *i + k < utf8.size(); ++k) {
-    cp = (cp << 6) | (static_cast<unsigned char>(utf8[*i + k]) & 0x3F);
-  }
-  *i += len;
-  return cp;
 }
 
 }  // namespace tarnsheets

@@ -72,6 +72,11 @@ void CopyElementProperties(const Node& from, Node* to) {
   to->font_ = from.font_;
 }
 
+// True when the picture's pixels match its size (none for an empty picture).
+bool PictureMatchesSize(const Picture& picture);
+// Fails with 5, naming the picture, unless its pixels match its size.
+void CheckPictureSize(const Picture& picture);
+
 // The window `control` is on (itself for a form), nullptr when it is on none.
 Form* WindowOf(const Control& control);
 // True when `child` lies inside `parent` at any depth.
@@ -103,8 +108,6 @@ void ForEachLinePixel(int32_t x, int32_t y, int32_t x2, int32_t y2, Plot plot) {
     }
   }
 }
-// Decodes the UTF-8 character at byte `*i` and moves `*i` past it.
-uint32_t NextCodePoint(std::string_view utf8, size_t* i);
 
 }  // namespace tarnsheets
 

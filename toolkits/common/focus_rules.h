@@ -1,9 +1,9 @@
 // The focus, tab-order and event-order rules that every toolkit of the library keeps.
 //
-// For toolkit implementers, not hosts. The headless and the Qt toolkit keep their controls'
-// state in their own node classes; they answer the few questions of FocusHost about it, and
-// FocusRules does the rest: which controls take the focus, the tab order, and the events of a
-// focus move (see the banner of toolkits/headless/headless_toolkit.h for the rules themselves).
+// For toolkit implementers, not hosts. ToolkitCore keeps the controls' state in their nodes and
+// answers the few questions of FocusHost about it; FocusRules does the rest: which controls take
+// the focus, the tab order, and the events of a focus move (see the banner of
+// toolkits/headless/headless_toolkit.h for the rules themselves).
 #ifndef TARNSHEETS_TOOLKITS_COMMON_FOCUS_RULES_H_
 #define TARNSHEETS_TOOLKITS_COMMON_FOCUS_RULES_H_
 

@@ -1,6 +1,6 @@
 // The properties every control has, kept in its ControlNode and the same in every toolkit: the
-// toolkit's node type supplies the hooks (Apply..., RepaintSelf, FocusSelf), its control class
-// the handle and Refresh. For toolkit implementers, not hosts.
+// toolkit's node type supplies the hooks (Apply..., RepaintSelf, FocusSelf, NodeHandle,
+// UpdateView). For toolkit implementers, not hosts.
 #ifndef TARNSHEETS_TOOLKITS_COMMON_NODE_CONTROL_H_
 #define TARNSHEETS_TOOLKITS_COMMON_NODE_CONTROL_H_
 
@@ -22,6 +22,14 @@ class NodeControl : public I, public Node {
   using Node::Node;
 
   Control& Self() override { return *this; }
+  uintptr_t Handle() const override { return this->NodeHandle(); }
+  void Refresh() override {
+    if (this->kind_ == ControlKind::kUserControl || this->kind_ == ControlKind::kForm) {
+      this->RepaintSelf();
+    } else {
+      this->UpdateView();
+    }
+  }
   ControlKind Kind() const override { return this->kind_; }
   std::string TypeName() const override {
     return this->class_name_.empty() ? ControlKindTypeName(this->kind_) : this->class_name_;

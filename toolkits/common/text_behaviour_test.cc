@@ -257,5 +257,34 @@ TEST_F(TextBoxTest, ChineseTextIsTypedCharacterByCharacter) {
   EXPECT_EQ(box_->SelStart(), 2);
 }
 
+// U+1F600 and U+20000 take four bytes in UTF-8 and two units in UTF-16: they are one
+// character each, typed without KeyPress (which carries one UTF-16 unit).
+TEST_F(TextBoxTest, FourByteCharactersTypedIntoABoxComeBackIntact) {
+  std::vector<int16_t> pressed;
+  box_->Events().KeyPress = [&](int16_t& k) { pressed.push_back(k); };
+  tk_.TypeText("a\U0001F600\U00020000b");
+  EXPECT_EQ(box_->Text(), "a\U0001F600\U00020000b");
+  EXPECT_EQ(changes_.size(), 4u);
+  EXPECT_EQ(pressed, (std::vector<int16_t>{'a', 'b'}));
+  EXPECT_EQ(box_->SelStart(), 4);
+  box_->SetSelStart(1);
+  box_->SetSelLength(1);
+  EXPECT_EQ(box_->SelText(), "\U0001F600");
+}
+
+TEST_F(TextBoxTest, FourByteCharactersSetIntoABoxSelectAndReplaceWhole) {
+  box_->SetText("x\U0001F600y");
+  box_->SetSelStart(1);
+  box_->SetSelLength(1);
+  EXPECT_EQ(box_->SelText(), "\U0001F600");
+  box_->SetSelText("\U00020000\U0001F601");
+  EXPECT_EQ(box_->Text(), "x\U00020000\U0001F601y");
+  EXPECT_EQ(box_->SelStart(), 3);
+  tk_.PressKey(kKeyBack);
+  EXPECT_EQ(box_->Text(), "x\U00020000y");
+  box_->Undo();
+  EXPECT_EQ(box_->Text(), "x\U00020000\U0001F601y");
+}
+
 }  // namespace
 }  // namespace tarnsheets

@@ -24,16 +24,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/utf8.h"
+
 namespace tarnsheets {
 namespace {
-
-// Decodes the character at byte `i`; `len` receives its length in bytes.
-uint32_t DecodeAt(const std::string& text, size_t i, size_t* len) {
-  size_t next = i;
-  const uint32_t cp = NextCodePoint(text, &next);
-  *len = next - i;
-  return cp;
-}
 
 int32_t RoundPixels(Twips v, Twips per_pixel) {
   return static_cast<int32_t>(std::lround(v / per_pixel));
@@ -182,15 +176,15 @@ void QtCanvas::resizeEvent(QResizeEvent* event) {
 
 QtNode::QtNode(QtToolkit* toolkit, ControlKind kind, std::string class_name, std::string name,
                int32_t index)
-    : ControlNode(kind, std::move(class_name), std::move(name), index), toolkit_(toolkit) {
-  if (toolkit_ != nullptr) toolkit_->Register(this);
+    : ControlNode(toolkit, kind, std::move(class_name), std::move(name), index) {
+  if (toolkit != nullptr) toolkit->Register(this);
 }
 
 QtNode::~QtNode() {
-  if (toolkit_ != nullptr) toolkit_->Forget(this);
+  if (QtKit() != nullptr) QtKit()->Forget(this);
   if (widget_) {
     if (auto* canvas = dynamic_cast<QtCanvas*>(widget_.data())) canvas->node_ = nullptr;
-    if (toolkit_ != nullptr) toolkit_->Bridge().Unwatch(widget_.data());
+    if (QtKit() != nullptr) QtKit()->Bridge().Unwatch(widget_.data());
     QObject::disconnect(widget_.data(), nullptr, nullptr, nullptr);
     widget_->hide();
     // The widget may be inside its own event handler: delete it from the event loop.
@@ -204,20 +198,15 @@ void QtNode::SetWidget(QWidget* widget) {
   widget->setFocusPolicy(Qt::NoFocus);
   widget->setContextMenuPolicy(Qt::NoContextMenu);
   widget->setAcceptDrops(false);
-  if (toolkit_ != nullptr) toolkit_->Bridge().Watch(widget, this);
+  if (QtKit() != nullptr) QtKit()->Bridge().Watch(widget, this);
   if (auto* area = qobject_cast<QAbstractScrollArea*>(widget)) {
     area->viewport()->setContextMenuPolicy(Qt::NoContextMenu);
     area->viewport()->setAcceptDrops(false);
-    if (toolkit_ != nullptr) toolkit_->Bridge().Watch(area->viewport(), this);
+    if (QtKit() != nullptr) QtKit()->Bridge().Watch(area->viewport(), this);
   }
 }
 
-void QtNode::Detach() {
-  attached_ = false;
-  focus_marks_ = {};
-  for (auto& child : children_) {
-    if (QtNode* node = QtNodeOf(*child)) node->Detach();
-  }
+void QtNode::DetachView() {
   if (widget_) {
     widget_->hide();
     if (kind_ != ControlKind::kForm && widget_->parentWidget() != nullptr) {
@@ -225,6 +214,14 @@ void QtNode::Detach() {
       widget_->setParent(nullptr);
     }
   }
+}
+
+uintptr_t QtNode::NodeHandle() const {
+  if (kind_ == ControlKind::kLabel || kind_ == ControlKind::kShape ||
+      kind_ == ControlKind::kImage || kind_ == ControlKind::kMenu || !attached_) {
+    return 0;
+  }
+  return reinterpret_cast<uintptr_t>(widget_.data());
 }
 
 void QtNode::RepaintSelf() {
@@ -260,8 +257,8 @@ QtNode* QtNodeOf(const Control& control) {
 // draws on every change (a check editor drawing its glyph on each record) costs one picture, not
 // a growing list of operations. Colours are resolved when drawn.
 QImage& QtSurface::Canvas() {
-  const int32_t w = std::max(1, RoundPixels(node_->width_, node_->Tppx()));
-  const int32_t h = std::max(1, RoundPixels(node_->height_, node_->Tppy()));
+  const int32_t w = std::max(1, RoundPixels(qt_node_->width_, qt_node_->Tppx()));
+  const int32_t h = std::max(1, RoundPixels(qt_node_->height_, qt_node_->Tppy()));
   if (canvas_.width() < w || canvas_.height() < h) {
     // Grown, never shrunk: what lies outside shows again when the control grows back.
     QImage grown(std::max(w, canvas_.width()), std::max(h, canvas_.height()),
@@ -276,135 +273,75 @@ QImage& QtSurface::Canvas() {
   return canvas_;
 }
 
-void QtSurface::Log(DrawOp op) {
-  if (ops_.size() >= kLoggedOps) ops_.erase(ops_.begin(), ops_.begin() + kLoggedOps / 2);
-  ops_.push_back(std::move(op));
-}
-
-void QtSurface::Line(Twips x1, Twips y1, Twips x2, Twips y2, Color color) {
-  DrawOp op;
-  op.kind = DrawOp::Kind::kLine;
-  op.x1 = x1, op.y1 = y1, op.x2 = x2, op.y2 = y2, op.color = color;
-  Log(std::move(op));
+void QtSurface::Drew(const DrawOp& op) {
   QImage& canvas = Canvas();
-  const Twips tx = node_->Tppx(), ty = node_->Tppy();
-  const QRgb rgb = ToQRgb(node_->Resolve(color));
+  const Twips tx = qt_node_->Tppx(), ty = qt_node_->Tppy();
   const int32_t w = canvas.width(), h = canvas.height();
-  // One pixel wide, from the first point towards the second, the second not drawn.
-  ForEachLinePixel(ToPixels(x1, tx), ToPixels(y1, ty), ToPixels(x2, tx), ToPixels(y2, ty),
-                   [&](int32_t x, int32_t y) {
-                     if (x < 0 || y < 0 || x >= w || y >= h) return;
-                     reinterpret_cast<QRgb*>(canvas.scanLine(y))[x] = rgb;
-                   });
-  Changed();
-}
-
-void QtSurface::Box(Twips x1, Twips y1, Twips x2, Twips y2, Color color) {
-  DrawOp op;
-  op.kind = DrawOp::Kind::kBox;
-  op.x1 = x1, op.y1 = y1, op.x2 = x2, op.y2 = y2, op.color = color;
-  Log(std::move(op));
-  QImage& canvas = Canvas();
-  const Twips tx = node_->Tppx(), ty = node_->Tppy();
-  const int32_t px1 = ToPixels(x1, tx), py1 = ToPixels(y1, ty);
-  const int32_t px2 = ToPixels(x2, tx), py2 = ToPixels(y2, ty);
-  // Both corners filled, clipped to the raster.
-  const int32_t left = std::max(0, std::min(px1, px2));
-  const int32_t right = std::min(canvas.width() - 1, std::max(px1, px2));
-  const int32_t top = std::max(0, std::min(py1, py2));
-  const int32_t bottom = std::min(canvas.height() - 1, std::max(py1, py2));
-  const QRgb rgb = ToQRgb(node_->Resolve(color));
-  for (int32_t y = top; y <= bottom; ++y) {
-    QRgb* line = reinterpret_cast<QRgb*>(canvas.scanLine(y));
-    std::fill(line + left, line + right + 1, rgb);
-  }
-  Changed();
-}
-
-void QtSurface::PaintPicture(const Picture& picture, Twips x, Twips y) {
-  if (picture.width < 0 || picture.height < 0 ||
-      picture.pixels.size() != static_cast<size_t>(picture.width) * picture.height) {
-    throw Failure(kErrInvalidProcedureCall,
-                  "Invalid procedure call or argument: picture \"" + picture.id + "\" has " +
-                      std::to_string(picture.pixels.size()) + " pixels for its size " +
-                      std::to_string(picture.width) + "x" + std::to_string(picture.height));
-  }
-  DrawOp op;
-  op.kind = DrawOp::Kind::kPicture;
-  op.x1 = x, op.y1 = y;
-  op.x2 = x + picture.width * node_->Tppx();
-  op.y2 = y + picture.height * node_->Tppy();
-  op.picture = picture;
-  Log(std::move(op));
-  QImage& canvas = Canvas();
-  const int32_t px = ToPixels(x, node_->Tppx()), py = ToPixels(y, node_->Tppy());
-  for (int32_t row = std::max(0, -py); row < picture.height && py + row < canvas.height(); ++row) {
-    QRgb* line = reinterpret_cast<QRgb*>(canvas.scanLine(py + row));
-    for (int32_t col = std::max(0, -px); col < picture.width && px + col < canvas.width(); ++col) {
-      line[px + col] = ToQRgb(picture.PixelAt(col, row));
+  const int32_t px1 = ToPixels(op.x1, tx), py1 = ToPixels(op.y1, ty);
+  switch (op.kind) {
+    case DrawOp::Kind::kLine: {
+      // One pixel wide, from the first point towards the second, the second not drawn.
+      const QRgb rgb = ToQRgb(qt_node_->Resolve(op.color));
+      ForEachLinePixel(px1, py1, ToPixels(op.x2, tx), ToPixels(op.y2, ty),
+                       [&](int32_t x, int32_t y) {
+                         if (x < 0 || y < 0 || x >= w || y >= h) return;
+                         reinterpret_cast<QRgb*>(canvas.scanLine(y))[x] = rgb;
+                       });
+      break;
+    }
+    case DrawOp::Kind::kBox: {
+      const int32_t px2 = ToPixels(op.x2, tx), py2 = ToPixels(op.y2, ty);
+      // Both corners filled, clipped to the raster.
+      const int32_t left = std::max(0, std::min(px1, px2));
+      const int32_t right = std::min(w - 1, std::max(px1, px2));
+      const int32_t top = std::max(0, std::min(py1, py2));
+      const int32_t bottom = std::min(h - 1, std::max(py1, py2));
+      const QRgb rgb = ToQRgb(qt_node_->Resolve(op.color));
+      for (int32_t y = top; y <= bottom; ++y) {
+        QRgb* line = reinterpret_cast<QRgb*>(canvas.scanLine(y));
+        std::fill(line + left, line + right + 1, rgb);
+      }
+      break;
+    }
+    case DrawOp::Kind::kPicture: {
+      const Picture& picture = op.picture;
+      for (int32_t row = std::max(0, -py1); row < picture.height && py1 + row < h; ++row) {
+        QRgb* line = reinterpret_cast<QRgb*>(canvas.scanLine(py1 + row));
+        for (int32_t col = std::max(0, -px1); col < picture.width && px1 + col < w; ++col) {
+          line[px1 + col] = ToQRgb(picture.PixelAt(col, row));
+        }
+      }
+      break;
     }
   }
-  Changed();
+  qt_node_->UpdateView();
 }
 
-void QtSurface::Cls() {
+void QtSurface::Cleared() {
   canvas_.fill(Qt::transparent);
-  ops_.clear();
-  ++cls_count_;
-  Changed();
+  qt_node_->UpdateView();
 }
 
 Twips QtSurface::TextWidth(std::string_view text) const {
-  const QFontMetricsF metrics(ToQFont(font_));
+  const QFontMetricsF metrics(ToQFont(DrawingFont()));
   const QStringList lines = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))
                                 .replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
                                 .split(QRegularExpression(QStringLiteral("[\r\n]")));
   double widest = 0;
   for (const QString& line : lines) widest = std::max(widest, metrics.horizontalAdvance(line));
-  return std::round(widest * node_->Tppx());
+  return std::round(widest * qt_node_->Tppx());
 }
 
 Twips QtSurface::TextHeight(std::string_view text) const {
-  const QFontMetricsF metrics(ToQFont(font_));
-  int32_t lines = 1;
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-    if (text[i] == '\n' || text[i] == '\r') ++lines;
-  }
-  return std::round(lines * metrics.height() * node_->Tppy());
+  const QFontMetricsF metrics(ToQFont(DrawingFont()));
+  return std::round(LineCount(text) * metrics.height() * qt_node_->Tppy());
 }
 
 void QtSurface::Replay(QPainter& painter) const {
   if (!canvas_.isNull()) painter.drawImage(QPoint(0, 0), canvas_);
 }
 
-// Containers.
-
-template <typename I>
-Control* QtContainer<I>::ActiveControl() const {
-  if (this->toolkit_ == nullptr) return nullptr;
-  Control* focus = this->toolkit_->GetFocus();
-  if (focus == nullptr) {
-    // The window's own focus, even while another window is active.
-    const Control* self = this;
-    while (self != nullptr && self->Kind() != ControlKind::kForm) self = self->Parent();
-    const auto* form = dynamic_cast<const QtForm*>(self);
-    focus = form != nullptr ? form->focus_.focused.get() : nullptr;
-    if (focus == nullptr) return nullptr;
-  }
-  if (focus == this || this->toolkit_->IsChild(*this, *focus)) return focus;
-  return nullptr;
-}
-
-template class QtContainer<PictureBox>;
-template class QtContainer<Frame>;
-template class QtContainer<UserControl>;
-template class QtContainer<Form>;
-
 // Labels.
-
-QtLabel::QtLabel(QtToolkit* toolkit, std::string name, int32_t index)
-    : QtControl(toolkit, ControlKind::kLabel, "", std::move(name), index) {}
 
 void QtLabel::SetAlignment(int16_t v) {
   alignment_ = v;
@@ -486,12 +423,8 @@ void ShowPlainText(QPlainTextEdit& plain, const QString& text, int32_t a, int32_
 
 }  // namespace
 
-QtTextBox::QtTextBox(QtToolkit* toolkit, std::string name, int32_t index, bool multi_line)
-    : QtControl(toolkit, ControlKind::kTextBox, "", std::move(name), index),
-      multi_line_(multi_line) {}
-
 QtTextBox::~QtTextBox() {
-  if (caret_deferred_ && toolkit_ != nullptr) toolkit_->ForgetDeferredCaret(this);
+  if (caret_deferred_ && toolkit_ != nullptr) QtKit()->ForgetDeferredCaret(this);
 }
 
 void QtTextBox::PlaceDeferredCaret() {
@@ -513,13 +446,12 @@ int32_t QtTextBox::QtPos(int32_t model_pos) const {
   int32_t m = 0, q = 0;
   size_t i = 0;
   while (i < text_.size() && m < model_pos) {
-    size_t len = 1;
-    const uint32_t cp = DecodeAt(text_, i, &len);
+    const size_t at = i;
+    const char32_t cp = utf8::Next(text_, &i);
     const bool cr_of_break =
-        multi_line_ && cp == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n';
+        multi_line_ && cp == '\r' && at + 1 < text_.size() && text_[at + 1] == '\n';
     if (!cr_of_break) q += cp > 0xFFFF ? 2 : 1;
     ++m;
-    i += len;
   }
   return q;
 }
@@ -528,13 +460,12 @@ int32_t QtTextBox::ModelPos(int32_t qt_pos) const {
   int32_t m = 0, q = 0;
   size_t i = 0;
   while (i < text_.size() && q < qt_pos) {
-    size_t len = 1;
-    const uint32_t cp = DecodeAt(text_, i, &len);
+    const size_t at = i;
+    const char32_t cp = utf8::Next(text_, &i);
     const bool cr_of_break =
-        multi_line_ && cp == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n';
+        multi_line_ && cp == '\r' && at + 1 < text_.size() && text_[at + 1] == '\n';
     if (!cr_of_break) q += cp > 0xFFFF ? 2 : 1;
     ++m;
-    i += len;
   }
   return m;
 }
@@ -591,12 +522,12 @@ void QtTextBox::ShowText(int32_t sel_start, int32_t sel_length) {
       // without the focus shows no caret, so that waits for the next paint or the focus.
       if (line->cursorPosition() != 0 && !caret_deferred_) {
         caret_deferred_ = true;
-        toolkit_->DeferCaretHome(this);
+        QtKit()->DeferCaretHome(this);
       }
     } else {
       if (caret_deferred_) {
         caret_deferred_ = false;
-        if (toolkit_ != nullptr) toolkit_->ForgetDeferredCaret(this);
+        if (toolkit_ != nullptr) QtKit()->ForgetDeferredCaret(this);
       }
       if (b > a) {
         line->setSelection(a, b - a);
@@ -648,27 +579,15 @@ std::string QtTextBox::SelText() const {
   return text_.substr(a, b - a);
 }
 
-void QtTextBox::SetSelText(const std::string& v) { ReplaceSelection(v); }
-
-void QtTextBox::ReplaceSelection(const std::string& text) {
-  std::string inserted = text;
-  if (!multi_line_) {
-    // A single-line box keeps what comes before the first line break.
-    const size_t br = inserted.find_first_of("\r\n");
-    if (br != std::string::npos) inserted.resize(br);
-  }
+void QtTextBox::ReplaceSelection(const std::string& text, bool /*typing*/) {
+  const std::string inserted = Insertable(text);
   const int32_t start = SelStart(), length = SelLength();
   const std::string before = text_;
   const size_t a = ByteOffset(text_, start), b = ByteOffset(text_, start + length);
   text_.replace(a, b - a, inserted);
   ShowText(start + TextLength(inserted), 0);
   typing_run_ = false;
-  if (text_ == before) return;
-  undo_text_ = before;
-  undo_sel_start_ = start;
-  undo_sel_length_ = length;
-  can_undo_ = true;
-  Raise(*this, &ControlEvents::Change);
+  if (text_ != before) RecordEdit(before, start, length, false);
 }
 
 void QtTextBox::BeforeUserEdit(bool typing) {
@@ -681,16 +600,9 @@ void QtTextBox::WidgetTextChanged() {
   if (showing_) return;
   const std::string now = WidgetText();
   if (now == text_) return;
-  // A run of typed characters undoes as one edit, from the state before its first character.
-  if (!(typing_now_ && typing_run_)) {
-    undo_text_ = text_;
-    undo_sel_start_ = pre_sel_start_;
-    undo_sel_length_ = pre_sel_length_;
-  }
-  typing_run_ = typing_now_;
-  can_undo_ = true;
+  const std::string before = text_;
   text_ = now;
-  Raise(*this, &ControlEvents::Change);
+  RecordEdit(before, pre_sel_start_, pre_sel_length_, typing_now_);
 }
 
 void QtTextBox::SetLocked(bool v) {
@@ -705,8 +617,7 @@ void QtTextBox::SetLocked(bool v) {
 }
 
 void QtTextBox::SetPasswordChar(const std::string& v) {
-  if (TextLength(v) > 1) throw PlatformFailure(kErrInvalidProcedureCall);
-  password_char_ = v;
+  NodeTextBox::SetPasswordChar(v);
   if (!Line()) return;
   if (v.empty()) {
     Line()->setEchoMode(QLineEdit::Normal);
@@ -741,29 +652,6 @@ void QtTextBox::ShowScrollBar(bool show) {
     Plain()->setVerticalScrollBarPolicy(scroll_bar_ ? Qt::ScrollBarAlwaysOn
                                                     : Qt::ScrollBarAlwaysOff);
   }
-}
-
-void QtTextBox::Copy() {
-  if (SelLength() == 0 || !password_char_.empty() || toolkit_ == nullptr) return;
-  toolkit_->SetClipboardText(SelText());
-}
-
-void QtTextBox::Cut() {
-  if (locked_ || SelLength() == 0) return;
-  Copy();
-  ReplaceSelection("");
-}
-
-void QtTextBox::Paste() {
-  if (locked_ || toolkit_ == nullptr) return;
-  const std::string clip = toolkit_->ClipboardText();
-  if (clip.empty()) return;
-  ReplaceSelection(clip);
-}
-
-void QtTextBox::Clear() {
-  if (locked_ || SelLength() == 0) return;
-  ReplaceSelection("");
 }
 
 void QtTextBox::Undo() {
@@ -815,16 +703,8 @@ void QtTextBox::ApplyColors() {
 
 // Command buttons.
 
-QtCommandButton::QtCommandButton(QtToolkit* toolkit, std::string name, int32_t index)
-    : QtControl(toolkit, ControlKind::kCommandButton, "", std::move(name), index) {}
-
 void QtCommandButton::SetPicture(const Picture& v) {
-  if (v.width < 0 || v.height < 0 || v.pixels.size() != static_cast<size_t>(v.width) * v.height) {
-    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: picture \"" +
-                                                v.id + "\" has " + std::to_string(v.pixels.size()) +
-                                                " pixels for its size " + std::to_string(v.width) +
-                                                "x" + std::to_string(v.height));
-  }
+  CheckPictureSize(v);
   picture_ = v;
   ApplyCaption();
 }
@@ -849,35 +729,6 @@ void QtCommandButton::ApplyColors() {
 }
 
 // Shapes and images.
-
-QtShape::QtShape(QtToolkit* toolkit, std::string name, int32_t index)
-    : QtControl(toolkit, ControlKind::kShape, "", std::move(name), index) {}
-
-void QtShape::SetBorderColor(Color v) {
-  border_color_ = v;
-  ApplyColors();
-}
-
-void QtShape::SetBorderWidth(int16_t v) {
-  if (v < 1) throw PlatformFailure(kErrInvalidProcedureCall);
-  border_width_ = v;
-  ApplyColors();
-}
-
-void QtShape::SetBackStyle(int16_t v) {
-  back_style_ = v;
-  ApplyColors();
-}
-
-void QtShape::SetFillStyle(int16_t v) {
-  fill_style_ = v;
-  ApplyColors();
-}
-
-void QtShape::SetFillColor(Color v) {
-  fill_color_ = v;
-  ApplyColors();
-}
 
 void QtShape::Paint(QPainter& painter) {
   const int32_t w = RoundPixels(width_, Tppx()), h = RoundPixels(height_, Tppy());
@@ -920,18 +771,9 @@ void QtShape::Paint(QPainter& painter) {
   painter.fillRect(QRect(w - bw, 0, bw, h), border);
 }
 
-QtImage::QtImage(QtToolkit* toolkit, std::string name, int32_t index)
-    : QtControl(toolkit, ControlKind::kImage, "", std::move(name), index) {}
-
 void QtImage::SetPicture(const Picture& v) {
-  picture_ = v;
-  image_ = PictureIsWhole(picture_) ? ToQImage(picture_) : QImage();
-  ApplyColors();
-}
-
-void QtImage::SetStretch(bool v) {
-  stretch_ = v;
-  ApplyColors();
+  image_ = PictureIsWhole(v) ? ToQImage(v) : QImage();
+  NodeImage::SetPicture(v);
 }
 
 void QtImage::Paint(QPainter& painter) {
@@ -946,18 +788,9 @@ void QtImage::Paint(QPainter& painter) {
 
 // Picture boxes, frames, user controls.
 
-QtPictureBox::QtPictureBox(QtToolkit* toolkit, std::string name, int32_t index)
-    : QtContainer(toolkit, ControlKind::kPictureBox, "", std::move(name), index) {}
-
 void QtPictureBox::SetPicture(const Picture& v) {
-  picture_ = v;
-  image_ = PictureIsWhole(picture_) ? ToQImage(picture_) : QImage();
-  ApplyColors();
-}
-
-void QtPictureBox::SetBorderStyle(int16_t v) {
-  border_style_ = v;
-  ApplyColors();
+  image_ = PictureIsWhole(v) ? ToQImage(v) : QImage();
+  NodePictureBox::SetPicture(v);
 }
 
 void QtPictureBox::Paint(QPainter& painter) {
@@ -973,14 +806,6 @@ void QtPictureBox::Paint(QPainter& painter) {
     painter.setPen(ToQColor(Resolve(0x80000010u)));
     painter.drawRect(0, 0, w - 1, h - 1);
   }
-}
-
-QtFrame::QtFrame(QtToolkit* toolkit, std::string name, int32_t index)
-    : QtContainer(toolkit, ControlKind::kFrame, "", std::move(name), index) {}
-
-void QtFrame::SetBorderStyle(int16_t v) {
-  border_style_ = v;
-  ApplyColors();
 }
 
 void QtFrame::Paint(QPainter& painter) {
@@ -1006,21 +831,6 @@ void QtFrame::Paint(QPainter& painter) {
   }
 }
 
-QtUserControl::QtUserControl(QtToolkit* toolkit, std::string class_name, std::string name,
-                             int32_t index)
-    : QtContainer(toolkit, ControlKind::kUserControl, std::move(class_name), std::move(name),
-                  index) {}
-
-Font QtUserControl::AmbientFont() const {
-  Container* parent = Parent();
-  if (parent == nullptr) return Font{};
-  try {
-    return parent->GetFont();
-  } catch (const Failure&) {
-    return Font{};
-  }
-}
-
 void QtUserControl::Paint(QPainter& painter) {
   painter.fillRect(QRect(0, 0, RoundPixels(width_, Tppx()), RoundPixels(height_, Tppy())),
                    ToQColor(Resolve(back_color_)));
@@ -1028,9 +838,6 @@ void QtUserControl::Paint(QPainter& painter) {
 }
 
 // Forms.
-
-QtForm::QtForm(QtToolkit* toolkit, std::string name)
-    : QtContainer(toolkit, ControlKind::kForm, "", std::move(name), -1) {}
 
 void QtForm::ApplyGeometry() {
   if (!widget_) return;
@@ -1094,8 +901,6 @@ void QtForm::SetBorderStyle(int16_t v) {
   if (was_visible) widget_->show();
 }
 
-void QtForm::SetStartUpPosition(int16_t v) { start_up_position_ = v; }
-
 void QtForm::SetIcon(const Picture& v) {
   icon_ = v;
   if (!widget_) return;
@@ -1114,7 +919,7 @@ void QtForm::ShowWindow() {
       QRect area;
       if (start_up_position_ == 1 && toolkit_ != nullptr && toolkit_->ActiveForm() != nullptr &&
           toolkit_->ActiveForm() != this) {
-        if (QWidget* owner = toolkit_->WidgetOf(*toolkit_->ActiveForm())) {
+        if (QWidget* owner = QtKit()->WidgetOf(*toolkit_->ActiveForm())) {
           area = owner->frameGeometry();
         }
       }
@@ -1133,25 +938,8 @@ void QtForm::ShowWindow() {
   widget_->show();
 }
 
-void QtForm::Show() {
-  if (unloaded_) throw PlatformFailure(kErrInvalidProcedureCall);
-  const std::shared_ptr<Control> keep = shared_from_this();
-  if (!loaded_) {
-    loaded_ = true;
-    Raise(*this, &ControlEvents::Load);
-    if (unloaded_) return;
-  }
-  shown_ = true;
-  visible_ = true;
-  ShowWindow();
-  if (toolkit_ != nullptr) toolkit_->ActivateForm(this);
-}
-
-void QtForm::Hide() {
-  shown_ = false;
-  visible_ = false;
+void QtForm::HideWindow() {
   if (widget_) widget_->hide();
-  if (toolkit_ != nullptr && toolkit_->ActiveForm() == this) toolkit_->ActivateForm(nullptr);
   if (modal_loop_ != nullptr) modal_loop_->quit();
 }
 

@@ -187,8 +187,8 @@ QtToolkit::QtToolkit(DialogMode mode) : mode_(mode) {
   bridge_ = std::make_unique<QtEventBridge>(this);
   if (QScreen* screen = QGuiApplication::primaryScreen()) {
     const double dpi_x = screen->logicalDotsPerInchX(), dpi_y = screen->logicalDotsPerInchY();
-    if (dpi_x > 0) tppx_ = 1440.0 / dpi_x;
-    if (dpi_y > 0) tppy_ = 1440.0 / dpi_y;
+    SetTwipsPerPixel(dpi_x > 0 ? 1440.0 / dpi_x : TwipsPerPixelX(),
+                     dpi_y > 0 ? 1440.0 / dpi_y : TwipsPerPixelY());
   }
 }
 
@@ -203,27 +203,15 @@ QtToolkit::~QtToolkit() {
       windows.push_back(node->widget_.data());
     }
   }
-  for (auto& form : forms_) {
+  for (const auto& form : Forms()) {
     if (QtNode* node = QtNodeOf(*form)) node->Detach();
   }
   for (QWidget* window : windows) delete window;
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-QtNode& QtToolkit::Node(const Control& control) const {
-  QtNode* node = QtNodeOf(control);
-  if (node == nullptr || node->toolkit_ != this) {
-    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: control \"" +
-                                                control.Name() +
-                                                "\" does not belong to this toolkit");
-  }
-  return *node;
-}
-
-QtForm* QtToolkit::FormOf(const Control& control) const {
-  const Control* c = &control;
-  while (c != nullptr && c->Kind() != ControlKind::kForm) c = c->Parent();
-  return c == nullptr ? nullptr : dynamic_cast<QtForm*>(const_cast<Control*>(c));
+QtNode& QtToolkit::QtNodeFor(const Control& control) const {
+  return static_cast<QtNode&>(Node(control));
 }
 
 QtNode* QtToolkit::NodeOfWidget(const QWidget* widget) const { return bridge_->NodeOf(widget); }
@@ -284,16 +272,13 @@ void QtToolkit::ProcessEvents() {
 
 // Screen, colours, clipboard.
 
-void QtToolkit::SetTwipsPerPixel(Twips x, Twips y) {
-  if (!(x > 0) || !(y > 0)) throw PlatformFailure(kErrInvalidProcedureCall);
-  tppx_ = x;
-  tppy_ = y;
+void QtToolkit::TwipsPerPixelChanged() {
   for (QtNode* node : nodes_) node->ApplyGeometry();
 }
 
 SheetRect QtToolkit::WindowRect(const Control& control) const {
   if (control.Kind() == ControlKind::kMenu) return SheetRect{};
-  const QtNode& node = Node(control);
+  const QtNode& node = QtNodeFor(control);
   if (QWidget* w = node.Widget(); w != nullptr && node.attached_) {
     QRect r;
     if (w->isWindow()) {
@@ -303,17 +288,7 @@ SheetRect QtToolkit::WindowRect(const Control& control) const {
     }
     return SheetRect{r.left(), r.top(), r.left() + r.width(), r.top() + r.height()};
   }
-  Twips x = 0, y = 0;
-  for (const Control* c = &control; c != nullptr; c = c->Parent()) {
-    x += c->Left();
-    y += c->Top();
-  }
-  SheetRect r;
-  r.Left = static_cast<int32_t>(std::lround(x / tppx_));
-  r.Top = static_cast<int32_t>(std::lround(y / tppy_));
-  r.Right = r.Left + static_cast<int32_t>(std::lround(control.Width() / tppx_));
-  r.Bottom = r.Top + static_cast<int32_t>(std::lround(control.Height() / tppy_));
-  return r;
+  return WindowRectFromTwips(control);
 }
 
 Color QtToolkit::ResolveColor(Color color) const {
@@ -409,51 +384,37 @@ void QtToolkit::SetClipboardText(const std::string& text) {
   QGuiApplication::clipboard()->setText(QString::fromStdString(text));
 }
 
-Control* QtToolkit::GetFocus() const {
-  return active_form_ == nullptr ? nullptr : active_form_->focus_.focused.get();
-}
-
-bool QtToolkit::IsChild(const Control& parent, const Control& child) const {
-  return IsInside(parent, child);
-}
-
-Form* QtToolkit::ActiveForm() const { return active_form_; }
-
-void QtToolkit::ActivateForm(QtForm* form) {
-  active_form_ = form;
-  if (form != nullptr && form->widget_ && form->widget_->isVisible()) {
-    form->widget_->activateWindow();
+void QtToolkit::FormActivated(Form* form) {
+  QWidget* window = form != nullptr ? QtNodeFor(*form).Widget() : nullptr;
+  if (window != nullptr && window->isVisible()) {
+    window->activateWindow();
     ApplyWidgetFocus(*form);
   }
 }
 
 // Creation.
 
-template <typename T>
-std::shared_ptr<T> QtToolkit::Adopt(Container& parent, std::shared_ptr<T> control) {
-  QtNode& parent_node = Node(parent);
-  QtNode& node = *QtNodeOf(*control);
-  Container& owner = OwnerOfNewControl(parent, parent_node.IsContainer() && parent_node.attached_,
-                                       node.name_, node.index_);
-  QtNode& owner_node = Node(owner);
-  node.parent_ = &parent;
-  node.owner_ = &owner;
-  const DefaultSize size = DefaultSizeOf(node.kind_);
-  node.width_ = size.width;
-  node.height_ = size.height;
-  if (KindHas(node.kind_, Capability::kTabIndex)) {
-    node.tab_index_ = owner_node.next_tab_index_++;
-  }
-  if (KindHas(parent_node.kind_, Capability::kFont)) node.font_ = parent_node.font_;
-  if (node.kind_ == ControlKind::kMenu) {
-    owner_node.menus_.push_back(control);
-  } else {
-    parent_node.children_.push_back(control);
-  }
-  owner_node.collection_.push_back(control);
+std::shared_ptr<Control> QtToolkit::NewControl(ControlKind kind, const std::string& class_name,
+                                               const std::string& name, int32_t index,
+                                               bool multi_line) {
+  return MakeControl<QtLabel, QtTextBox, QtCommandButton, QtPictureBox, QtShape, QtFrame, QtImage,
+                     QtMenu, QtUserControl, QtForm>(this, kind, class_name, name, index,
+                                                    multi_line);
+}
 
+void QtToolkit::Realize(ControlNode& control_node) {
+  auto& node = static_cast<QtNode&>(control_node);
+  if (node.kind_ == ControlKind::kForm) {
+    auto* window = new QtCanvas(&node, nullptr);
+    window->setWindowFlag(Qt::Window);
+    node.SetWidget(window);
+    node.ApplyGeometry();
+    node.ApplyFont();
+    node.ApplyCaption();
+    return;
+  }
   // The widget, inside the parent's.
-  QWidget* host = parent_node.ChildHost();
+  QWidget* host = QtNodeFor(*node.parent_).ChildHost();
   QWidget* widget = nullptr;
   switch (node.kind_) {
     case ControlKind::kLabel: {
@@ -506,281 +467,20 @@ std::shared_ptr<T> QtToolkit::Adopt(Container& parent, std::shared_ptr<T> contro
     box->SetLocked(box->locked_);
     box->SetBorderStyle(box->border_style_);
   }
-  node.ApplyGeometry();
-  node.ApplyColors();
-  node.ApplyFont();
-  node.ApplyCaption();
-  node.ApplyEnabled();
-  node.ApplyVisible();
-  return control;
-}
-
-std::shared_ptr<Form> QtToolkit::CreateForm(const std::string& name) {
-  auto form = std::make_shared<QtForm>(this, name);
-  const DefaultSize size = DefaultSizeOf(ControlKind::kForm);
-  form->width_ = size.width;
-  form->height_ = size.height;
-  form->visible_ = false;
-  auto* window = new QtCanvas(form.get(), nullptr);
-  window->setWindowFlag(Qt::Window);
-  form->SetWidget(window);
-  form->ApplyGeometry();
-  form->ApplyFont();
-  form->ApplyCaption();
-  forms_.push_back(form);
-  return form;
-}
-
-std::shared_ptr<Label> QtToolkit::CreateLabel(Container& parent, const std::string& name,
-                                              int32_t index) {
-  return Adopt(parent, std::make_shared<QtLabel>(this, name, index));
-}
-
-std::shared_ptr<TextBox> QtToolkit::CreateTextBox(Container& parent, const std::string& name,
-                                                  int32_t index, bool multi_line) {
-  return Adopt(parent, std::make_shared<QtTextBox>(this, name, index, multi_line));
-}
-
-std::shared_ptr<CommandButton> QtToolkit::CreateCommandButton(Container& parent,
-                                                              const std::string& name,
-                                                              int32_t index) {
-  return Adopt(parent, std::make_shared<QtCommandButton>(this, name, index));
-}
-
-std::shared_ptr<PictureBox> QtToolkit::CreatePictureBox(Container& parent, const std::string& name,
-                                                        int32_t index) {
-  return Adopt(parent, std::make_shared<QtPictureBox>(this, name, index));
-}
-
-std::shared_ptr<Shape> QtToolkit::CreateShape(Container& parent, const std::string& name,
-                                              int32_t index) {
-  return Adopt(parent, std::make_shared<QtShape>(this, name, index));
-}
-
-std::shared_ptr<Frame> QtToolkit::CreateFrame(Container& parent, const std::string& name,
-                                              int32_t index) {
-  return Adopt(parent, std::make_shared<QtFrame>(this, name, index));
-}
-
-std::shared_ptr<Image> QtToolkit::CreateImage(Container& parent, const std::string& name,
-                                              int32_t index) {
-  return Adopt(parent, std::make_shared<QtImage>(this, name, index));
-}
-
-std::shared_ptr<Menu> QtToolkit::CreateMenu(Container& owner, Menu* parent_menu,
-                                            const std::string& name, int32_t index) {
-  if (owner.Kind() != ControlKind::kForm && owner.Kind() != ControlKind::kUserControl) {
-    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: menu \"" + name +
-                                                "\" needs a form or user control");
-  }
-  auto menu = std::make_shared<QtMenu>(this, name, index);
-  if (parent_menu == nullptr) return Adopt(owner, menu);
-  auto* parent = dynamic_cast<QtMenu*>(parent_menu);
-  if (parent == nullptr || parent->Owner() != &owner) {
-    throw Failure(kErrInvalidProcedureCall, "Invalid procedure call or argument: menu \"" + name +
-                                                "\" needs a parent menu of the same owner");
-  }
-  if (owner.FindControl(name, index) != nullptr) {
-    throw Failure(kErrObjectAlreadyLoaded,
-                  "Object already loaded: \"" + name + "\"" +
-                      (index >= 0 ? "(" + std::to_string(index) + ")" : ""));
-  }
-  menu->parent_ = &owner;
-  menu->owner_ = &owner;
-  menu->parent_menu_ = parent;
-  parent->items_.push_back(menu);
-  Node(owner).collection_.push_back(menu);
-  return menu;
-}
-
-std::shared_ptr<UserControl> QtToolkit::CreateUserControl(Container& parent,
-                                                          const std::string& class_name,
-                                                          const std::string& name, int32_t index) {
-  return Adopt(parent, std::make_shared<QtUserControl>(this, class_name, name, index));
-}
-
-std::shared_ptr<Control> QtToolkit::LoadControl(const Control& element0, int32_t index) {
-  const QtNode& t = Node(element0);
-  Container* parent = element0.Parent();
-  Container* owner = element0.Owner();
-  CheckNewArrayElement(element0, index);
-  std::shared_ptr<Control> made;
-  switch (t.kind_) {
-    case ControlKind::kLabel: {
-      auto& s = dynamic_cast<const QtLabel&>(element0);
-      auto c = CreateLabel(*parent, t.name_, index);
-      c->SetAlignment(s.alignment_);
-      c->SetBackStyle(s.back_style_);
-      c->SetWordWrap(s.word_wrap_);
-      made = c;
-      break;
-    }
-    case ControlKind::kTextBox: {
-      auto& s = dynamic_cast<const QtTextBox&>(element0);
-      auto c = std::dynamic_pointer_cast<QtTextBox>(
-          CreateTextBox(*parent, t.name_, index, s.multi_line_));
-      c->SetText(s.text_);
-      c->SetLocked(s.locked_);
-      c->SetPasswordChar(s.password_char_);
-      c->SetAlignment(s.alignment_);
-      c->SetBorderStyle(s.border_style_);
-      c->ShowScrollBar(s.scroll_bar_);
-      made = c;
-      break;
-    }
-    case ControlKind::kCommandButton: {
-      auto& s = dynamic_cast<const QtCommandButton&>(element0);
-      auto c = CreateCommandButton(*parent, t.name_, index);
-      c->SetPicture(s.picture_);
-      made = c;
-      break;
-    }
-    case ControlKind::kPictureBox: {
-      auto& s = dynamic_cast<const QtPictureBox&>(element0);
-      auto c = CreatePictureBox(*parent, t.name_, index);
-      c->SetPicture(s.picture_);
-      c->SetBorderStyle(s.border_style_);
-      made = c;
-      break;
-    }
-    case ControlKind::kShape: {
-      auto& s = dynamic_cast<const QtShape&>(element0);
-      auto c = CreateShape(*parent, t.name_, index);
-      c->SetBorderColor(s.border_color_);
-      c->SetBorderWidth(s.border_width_);
-      c->SetBackStyle(s.back_style_);
-      c->SetFillStyle(s.fill_style_);
-      c->SetFillColor(s.fill_color_);
-      made = c;
-      break;
-    }
-    case ControlKind::kFrame: {
-      auto& s = dynamic_cast<const QtFrame&>(element0);
-      auto c = CreateFrame(*parent, t.name_, index);
-      c->SetBorderStyle(s.border_style_);
-      made = c;
-      break;
-    }
-    case ControlKind::kImage: {
-      auto& s = dynamic_cast<const QtImage&>(element0);
-      auto c = CreateImage(*parent, t.name_, index);
-      c->SetPicture(s.picture_);
-      c->SetStretch(s.stretch_);
-      made = c;
-      break;
-    }
-    case ControlKind::kMenu: {
-      auto& s = dynamic_cast<const QtMenu&>(element0);
-      auto c = CreateMenu(*owner, s.parent_menu_, t.name_, index);
-      c->SetChecked(s.checked_);
-      made = c;
-      break;
-    }
-    case ControlKind::kUserControl: {
-      auto& s = dynamic_cast<const QtUserControl&>(element0);
-      auto c = CreateUserControl(*parent, t.class_name_, t.name_, index);
-      c->SetCanGetFocus(s.can_get_focus_);
-      made = c;
-      break;
-    }
-    case ControlKind::kForm:
-      break;
-  }
-  QtNode& n = Node(*made);
-  CopyElementProperties(t, &n);
-  n.ApplyGeometry();
-  n.ApplyColors();
-  n.ApplyFont();
-  n.ApplyCaption();
-  n.ApplyEnabled();
-  n.ApplyVisible();
-  return made;
-}
-
-void QtToolkit::Unload(Control& control) {
-  QtNode& node = Node(control);
-  const std::shared_ptr<Control> keep = control.shared_from_this();
-  if (node.kind_ == ControlKind::kForm) {
-    auto& form = dynamic_cast<QtForm&>(control);
-    if (form.unloaded_) return;
-    if (form.loaded_) Raise(form, &ControlEvents::Unload);
-    form.Hide();
-    form.unloaded_ = true;
-    form.focus_.focused.reset();
-    node.Detach();
-    std::erase(forms_, keep);
-    return;
-  }
-  if (!node.attached_) return;
-  if (QtForm* form = FormOf(control)) rules_.LeaveUnloading(*form, control);
-  if (node.kind_ == ControlKind::kMenu) {
-    auto& menu = dynamic_cast<QtMenu&>(control);
-    if (auto* parent_menu = dynamic_cast<QtMenu*>(menu.parent_menu_)) {
-      std::erase(parent_menu->items_, std::dynamic_pointer_cast<Menu>(keep));
-    } else if (node.owner_ != nullptr) {
-      std::erase(Node(*node.owner_).menus_, keep);
-    }
-  } else if (node.parent_ != nullptr) {
-    std::erase(Node(*node.parent_).children_, keep);
-  }
-  node.Detach();
+  node.ApplyAll();
 }
 
 // Focus.
 
-bool QtToolkit::CanTakeFocus(const Control& control) const { return rules_.CanTakeFocus(control); }
-
-std::vector<Control*> QtToolkit::TabOrder(Form& form) { return rules_.TabOrder(form); }
-
-void QtToolkit::SetFocusTo(Control& control) {
-  Node(control);
-  QtForm* form = FormOf(control);
-  if (form == nullptr || form->unloaded_) throw PlatformFailure(kErrInvalidProcedureCall);
-  if (&control == form) {
-    ActivateForm(form);
-    return;
-  }
-  Control* target = rules_.FocusTargetOf(control);
-  if (target == nullptr) throw PlatformFailure(kErrInvalidProcedureCall);
-  ActivateForm(form);
-  rules_.MoveFocus(*form, target, true);
-}
-
-bool QtToolkit::IsLoaded(const Control& control) const { return Node(control).attached_; }
-
-const std::vector<std::shared_ptr<Control>>& QtToolkit::ChildrenOf(const Control& container) const {
-  return Node(container).children_;
-}
-
-int32_t QtToolkit::TabIndexOf(const Control& control) const { return Node(control).tab_index_; }
-
-bool QtToolkit::TabStopOf(const Control& control) const { return Node(control).tab_stop_; }
-
-FocusMarks& QtToolkit::MarksOf(const Control& control) { return Node(control).focus_marks_; }
-
-WindowFocus& QtToolkit::FocusOf(Form& form) {
-  Node(form);
-  return dynamic_cast<QtForm&>(form).focus_;
-}
-
-void QtToolkit::FocusChanged(Form& form) { ApplyWidgetFocus(dynamic_cast<QtForm&>(form)); }
-
-void QtToolkit::ApplyWidgetFocus(QtForm& form) {
-  Control* focus = form.focus_.focused.get();
-  QWidget* widget = focus != nullptr ? Node(*focus).Widget() : nullptr;
+void QtToolkit::ApplyWidgetFocus(Form& form) {
+  Control* focus = Window(form).focus_.focused.get();
+  QWidget* widget = focus != nullptr ? QtNodeFor(*focus).Widget() : nullptr;
+  QWidget* window = QtNodeFor(form).Widget();
   if (widget != nullptr) {
     widget->setFocus(Qt::OtherFocusReason);
-  } else if (form.widget_ && form.widget_->focusWidget() != nullptr) {
-    form.widget_->focusWidget()->clearFocus();
+  } else if (window != nullptr && window->focusWidget() != nullptr) {
+    window->focusWidget()->clearFocus();
   }
-}
-
-bool QtToolkit::FocusOutside() {
-  QtForm* form = active_form_;
-  if (form == nullptr) return true;
-  if (!rules_.MoveFocus(*form, nullptr, true)) return false;
-  if (active_form_ == form && form->focus_.focused == nullptr) active_form_ = nullptr;
-  return true;
 }
 
 // Real input events.
@@ -799,8 +499,8 @@ bool QtToolkit::OnKey(QtNode& node, QObject* receiver, QEvent* event) {
       !(modifiers & (Qt::ControlModifier | Qt::AltModifier))) {
     // Our own focus chain; Tab raises no key events.
     if (press) {
-      if (QtForm* form = FormOf(control)) {
-        rules_.Tab(*form, qt_key == Qt::Key_Backtab || (shift & kShiftMask) != 0);
+      if (Form* form = FormOf(control)) {
+        Rules().Tab(*form, qt_key == Qt::Key_Backtab || (shift & kShiftMask) != 0);
       }
     }
     return true;
@@ -827,7 +527,7 @@ bool QtToolkit::OnKey(QtNode& node, QObject* receiver, QEvent* event) {
   const QString text = changed_key ? TextOfKey(down) : ke->text();
 
   if (down == kKeyReturn) {
-    if (const std::shared_ptr<Control> default_button = rules_.DefaultButtonFor(control)) {
+    if (const std::shared_ptr<Control> default_button = Rules().DefaultButtonFor(control)) {
       Raise(*default_button, &ControlEvents::Click);
       return true;
     }
@@ -934,7 +634,8 @@ bool QtToolkit::OnMouse(QtNode& node, QObject* receiver, QEvent* event) {
   if (receiver_widget != node.Widget() && node.Widget() != nullptr) {
     local = receiver_widget->mapTo(node.Widget(), local.toPoint());
   }
-  float fx = static_cast<float>(local.x() * tppx_), fy = static_cast<float>(local.y() * tppy_);
+  float fx = static_cast<float>(local.x() * TwipsPerPixelX()),
+        fy = static_cast<float>(local.y() * TwipsPerPixelY());
   int16_t shift = ShiftOf(me->modifiers());
   auto forward = [&] {
     QMouseEvent copy(me->type(), me->position(), me->scenePosition(), me->globalPosition(),
@@ -947,16 +648,15 @@ bool QtToolkit::OnMouse(QtNode& node, QObject* receiver, QEvent* event) {
     case QEvent::MouseButtonPress: {
       int16_t button = ButtonOf(me->button());
       after_double_click_ = false;
-      const bool take = rules_.TakesFocusOnPress(control, button);
-      if (take) {
-        QtForm* form = FormOf(control);
-        if (form == nullptr) return true;
-        ActivateForm(form);
-        if (form->focus_.focused.get() != &control && !rules_.MoveFocus(*form, &control, true)) {
+      switch (FocusOnPress(control, button)) {
+        case PressFocus::kTaken:
+          break;
+        case PressFocus::kNoWindow:
+          return true;
+        case PressFocus::kRefused:
           // Validate kept the focus: the press, its release and the click are swallowed.
           swallowed_press_ = receiver;
           return true;
-        }
       }
       swallowed_press_ = nullptr;
       pressed_ = receiver;
@@ -999,12 +699,12 @@ bool QtToolkit::OnMouse(QtNode& node, QObject* receiver, QEvent* event) {
 
 // Driving.
 
-void QtToolkit::SendKey(int16_t key_code, int16_t shift, bool press, bool release,
-                        uint32_t character) {
+void QtToolkit::SendKeyEvent(int16_t key_code, int16_t shift, bool press, bool release,
+                             uint32_t character) {
   Control* focus = GetFocus();
   if (focus == nullptr) return;
   const std::shared_ptr<Control> keep = focus->shared_from_this();
-  QtNode& node = Node(*focus);
+  QtNode& node = QtNodeFor(*focus);
   QPointer<QWidget> widget = node.Widget();
   if (!widget) return;
   int qt_key = Qt::Key_unknown;
@@ -1037,43 +737,40 @@ void QtToolkit::SendKey(int16_t key_code, int16_t shift, bool press, bool releas
   bridge_->ResumeForwarding(saved);
 }
 
-void QtToolkit::PressKey(int16_t key_code, int16_t shift) {
-  SendKey(key_code, shift, true, key_code != kKeyTab, 0);
+void QtToolkit::SendKey(int16_t key_code, int16_t shift, bool press, bool release) {
+  SendKeyEvent(key_code, shift, press, release, 0);
 }
 
-void QtToolkit::KeyDownOnly(int16_t key_code, int16_t shift) {
-  if (key_code == kKeyTab) return;
-  SendKey(key_code, shift, true, false, 0);
-}
+void QtToolkit::SendCharacter(uint32_t cp) { SendKeyEvent(0, 0, true, true, cp); }
 
-void QtToolkit::KeyUpOnly(int16_t key_code, int16_t shift) {
-  SendKey(key_code, shift, false, true, 0);
-}
-
-void QtToolkit::TypeText(std::string_view utf8) {
-  size_t i = 0;
-  while (i < utf8.size()) {
-    const uint32_t cp = NextCodePoint(utf8, &i);
-    if (GetFocus() == nullptr) return;
-    SendKey(0, 0, true, true, cp);
-  }
-}
-
-void QtToolkit::SendMouse(Control& control, int type, int16_t button, int16_t shift, float x,
-                          float y) {
+void QtToolkit::SendMouse(Control& control, MouseAction action, int16_t button, int16_t shift,
+                          float x, float y) {
   const std::shared_ptr<Control> keep = control.shared_from_this();
   if (control.Kind() == ControlKind::kMenu) return;
-  QtNode& node = Node(control);
+  QtNode& node = QtNodeFor(control);
   QWidget* widget = node.Widget();
   if (widget == nullptr || !node.attached_) return;
   QWidget* receiver = widget;
   if (auto* box = dynamic_cast<QtTextBox*>(&control)) {
     receiver = static_cast<QWidget*>(box->MouseReceiver());
   }
-  QPointF local(x / tppx_, y / tppy_);
+  QPointF local(x / TwipsPerPixelX(), y / TwipsPerPixelY());
   if (receiver != widget) local = receiver->mapFrom(widget, local.toPoint());
   const QPointF global = receiver->mapToGlobal(local);
-  const auto event_type = static_cast<QEvent::Type>(type);
+  QEvent::Type event_type = QEvent::MouseButtonPress;
+  switch (action) {
+    case MouseAction::kDown:
+      break;
+    case MouseAction::kUp:
+      event_type = QEvent::MouseButtonRelease;
+      break;
+    case MouseAction::kMove:
+      event_type = QEvent::MouseMove;
+      break;
+    case MouseAction::kDoubleClick:
+      event_type = QEvent::MouseButtonDblClick;
+      break;
+  }
   Qt::MouseButton qt_button = QtButtonOf(button);
   Qt::MouseButtons buttons = qt_button;
   if (event_type == QEvent::MouseButtonRelease) buttons = Qt::NoButton;
@@ -1090,154 +787,61 @@ void QtToolkit::SendMouse(Control& control, int type, int16_t button, int16_t sh
   bridge_->ResumeForwarding(saved);
 }
 
-void QtToolkit::MouseDown(Control& control, int16_t button, int16_t shift, float x, float y) {
-  SendMouse(control, QEvent::MouseButtonPress, button, shift, x, y);
-}
-
-void QtToolkit::MouseUp(Control& control, int16_t button, int16_t shift, float x, float y) {
-  SendMouse(control, QEvent::MouseButtonRelease, button, shift, x, y);
-}
-
-void QtToolkit::MouseMove(Control& control, int16_t button, int16_t shift, float x, float y) {
-  SendMouse(control, QEvent::MouseMove, button, shift, x, y);
-}
-
-void QtToolkit::Click(Control& control, float x, float y) {
-  if (auto* menu = dynamic_cast<Menu*>(&control)) {
-    ClickMenu(*menu);
-    return;
-  }
-  MouseDown(control, kLeftButton, 0, x, y);
-  MouseUp(control, kLeftButton, 0, x, y);
-}
-
-void QtToolkit::RightClick(Control& control, float x, float y) {
-  MouseDown(control, kRightButton, 0, x, y);
-  MouseUp(control, kRightButton, 0, x, y);
-}
-
-void QtToolkit::DoubleClick(Control& control) {
-  Click(control);
-  SendMouse(control, QEvent::MouseButtonDblClick, kLeftButton, 0, 0, 0);
-  MouseUp(control, kLeftButton, 0, 0, 0);
-}
-
-void QtToolkit::ClickMenu(Menu& item) { ClickMenuItem(item); }
-
-void QtToolkit::Repaint(Control& control) {
-  if (control.Kind() == ControlKind::kUserControl || control.Kind() == ControlKind::kForm) {
-    Raise(control, &ControlEvents::Paint);
-  }
+void QtToolkit::RepaintView(Control& control) {
   if (QWidget* widget = WidgetOf(control)) widget->update();
 }
 
 // Dialogs.
 
-void QtToolkit::RecordDialog(DialogRecord record) { dialogs_.Record(std::move(record)); }
-
-void QtToolkit::MessageBox(const std::string& title, const std::string& text,
-                           MessageBoxStyle style) {
-  RecordDialog(MessageBoxRecord(title, text, style));
-  if (mode_ == DialogMode::kAnswered) return;
+void QtToolkit::ShowMessageBox(const std::string& title, const std::string& text,
+                               MessageBoxStyle style) {
   QMessageBox box(style == MessageBoxStyle::kCritical ? QMessageBox::Critical : QMessageBox::NoIcon,
                   QString::fromStdString(title), QString::fromStdString(text), QMessageBox::Ok,
-                  active_form_ != nullptr ? active_form_->Widget() : nullptr);
+                  ActiveForm() != nullptr ? WidgetOf(*ActiveForm()) : nullptr);
   box.exec();
 }
 
-void QtToolkit::ShowModal(Form& form_in) {
+void QtToolkit::ShowModalWindow(Form& form_in) {
   auto& form = dynamic_cast<QtForm&>(form_in);
-  const std::shared_ptr<Control> keep = form.shared_from_this();
-  if (form.unloaded_) {
-    throw Failure(kErrInvalidProcedureCall,
-                  "Invalid procedure call or argument: form \"" + form.name_ + "\" is unloaded");
+  if (mode_ == DialogMode::kInteractive && form.widget_) {
+    form.widget_->setWindowModality(Qt::ApplicationModal);
   }
-  QtForm* previous = active_form_;
-  const std::shared_ptr<Control> keep_previous =
-      previous != nullptr ? previous->shared_from_this() : nullptr;
-  if (!form.loaded_) {
-    form.loaded_ = true;
-    Raise(form, &ControlEvents::Load);
-  }
-  if (form.unloaded_) {
-    ActivateForm(previous);
-    return;
-  }
-  form.shown_ = true;
-  form.visible_ = true;
-
-  DialogRecord record = ModalFormRecord(form, rules_.TextBoxTexts(form));
-
-  if (mode_ == DialogMode::kInteractive) {
-    if (form.widget_) form.widget_->setWindowModality(Qt::ApplicationModal);
-    form.ShowWindow();
-    ActivateForm(&form);
-    RecordDialog(std::move(record));
-    QEventLoop loop;
-    form.modal_loop_ = &loop;
-    if (form.shown_ && !form.unloaded_) loop.exec();
-    form.modal_loop_ = nullptr;
-    if (form.widget_) form.widget_->setWindowModality(Qt::NonModal);
-  } else {
-    form.ShowWindow();
-    ActivateForm(&form);
-    RecordDialog(std::move(record));
-    // Answered OK: the default button, else the first visible, enabled button in tab order.
-    const std::shared_ptr<Control> ok = rules_.AnswerButtonOf(form);
-    if (ok != nullptr) Raise(*ok, &ControlEvents::Click);
-  }
-  if (form.shown_) form.Hide();
-  if (previous != nullptr && !previous->unloaded_) ActivateForm(previous);
+  form.ShowWindow();
 }
 
-void QtToolkit::RunPopupMenu(Menu& menu) {
-  const std::shared_ptr<Control> keep = menu.shared_from_this();
-  RecordDialog(PopupMenuRecord(menu));
+void QtToolkit::RunModalLoop(Form& form_in) {
+  auto& form = dynamic_cast<QtForm&>(form_in);
+  QEventLoop loop;
+  form.modal_loop_ = &loop;
+  if (form.shown_ && !form.unloaded_) loop.exec();
+  form.modal_loop_ = nullptr;
+  if (form.widget_) form.widget_->setWindowModality(Qt::NonModal);
+}
 
-  std::string chosen;
-  if (mode_ == DialogMode::kAnswered) {
-    if (!popup_answer_) return;
-    const auto answer = popup_answer_;
-    chosen = answer(menu);
-  } else {
-    // A real menu of the visible items (a caption "-" is a separator line).
-    QMenu popup;
-    std::vector<std::pair<QAction*, std::string>> actions;
-    for (const auto& item : menu.Items()) {
-      if (!item->Visible()) continue;
-      if (item->Caption() == "-") {
-        popup.addSeparator();
-        continue;
-      }
-      QAction* action = popup.addAction(QString::fromStdString(item->Caption()));
-      action->setEnabled(item->Enabled());
-      action->setCheckable(item->Checked());
-      action->setChecked(item->Checked());
-      actions.emplace_back(action, item->Name());
+std::string QtToolkit::AskPopupMenu(Menu& menu) {
+  // A real menu of the visible items (a caption "-" is a separator line).
+  QMenu popup;
+  std::vector<std::pair<QAction*, std::string>> actions;
+  for (const auto& item : menu.Items()) {
+    if (!item->Visible()) continue;
+    if (item->Caption() == "-") {
+      popup.addSeparator();
+      continue;
     }
-    QAction* picked = popup.exec(QCursor::pos());
-    for (const auto& [action, name] : actions) {
-      if (action == picked) chosen = name;
-    }
+    QAction* action = popup.addAction(QString::fromStdString(item->Caption()));
+    action->setEnabled(item->Enabled());
+    action->setCheckable(item->Checked());
+    action->setChecked(item->Checked());
+    actions.emplace_back(action, item->Name());
   }
-  ChoosePopupMenuItem(menu, chosen);
+  QAction* picked = popup.exec(QCursor::pos());
+  for (const auto& [action, name] : actions) {
+    if (action == picked) return name;
+  }
+  return "";
 }
 
 // Inspection.
-
-namespace {
-const QtSurface* SurfaceOf(const Control& control) {
-  if (const auto* uc = dynamic_cast<const QtUserControl*>(&control)) return &uc->surface_;
-  if (const auto* pic = dynamic_cast<const QtPictureBox*>(&control)) return &pic->surface_;
-  throw PlatformFailure(kErrNotSupported);
-}
-}  // namespace
-
-const std::vector<DrawOp>& QtToolkit::DrawOps(const Control& control) const {
-  return SurfaceOf(control)->Ops();
-}
-
-int32_t QtToolkit::ClsCount(const Control& control) const { return SurfaceOf(control)->ClsCount(); }
 
 std::vector<Color> QtToolkit::RenderPixels(const Control& control, int32_t* width,
                                            int32_t* height) const {
@@ -1274,18 +878,6 @@ void QtToolkit::SaveScreenshot(const Control& control, const std::string& png_pa
                   "Invalid procedure call or argument: cannot write the picture of \"" +
                       control.Name() + "\" to \"" + png_path + "\"");
   }
-}
-
-const std::vector<std::string>& QtToolkit::NotifiedProperties(const UserControl& control) const {
-  const auto* uc = dynamic_cast<const QtUserControl*>(&control);
-  if (uc == nullptr) throw PlatformFailure(kErrNotSupported);
-  return uc->notified_;
-}
-
-void QtToolkit::ClearNotifiedProperties(UserControl& control) {
-  auto* uc = dynamic_cast<QtUserControl*>(&control);
-  if (uc == nullptr) throw PlatformFailure(kErrNotSupported);
-  uc->notified_.clear();
 }
 
 }  // namespace tarnsheets
